@@ -1,0 +1,18 @@
+# fuzz/<name>.cpp defines LLVMFuzzerTestOneInput. KTTM_FUZZ makes fuzzers of them; every other build makes
+# fuzz_<name> a replay of the files in fuzz/corpus/<name>, which ctest runs.
+file(GLOB harnesses CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/fuzz/*.cpp")
+list(REMOVE_ITEM harnesses "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
+foreach(harness IN LISTS harnesses)
+  get_filename_component(name "${harness}" NAME_WE)
+  add_executable(fuzz_${name} "${harness}")
+  kttm_use_flags(fuzz_${name})
+  kttm_link_inside(fuzz_${name})
+  target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz" "${PROJECT_SOURCE_DIR}/tests")
+  if(KTTM_FUZZ)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
+    add_test(NAME fuzz_${name}.corpus_replay COMMAND fuzz_${name} "${PROJECT_SOURCE_DIR}/fuzz/corpus/${name}")
+    set_tests_properties(fuzz_${name}.corpus_replay PROPERTIES TIMEOUT 600)
+  endif()
+endforeach()

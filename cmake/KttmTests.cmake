@@ -1,0 +1,64 @@
+# kttm_tests is linked with the objects of the libraries, so that tests reach what the shared libraries hide.
+
+# A packaged GoogleTest fits native 64-bit builds; every other build makes its own from the distribution's sources.
+if(KTTM_NATIVE64)
+  find_package(GTest QUIET)
+endif()
+if(NOT TARGET GTest::gtest_main)
+  set(KTTM_GTEST_SOURCE /usr/src/googletest CACHE PATH "Sources of GoogleTest")
+  set(INSTALL_GTEST OFF)
+  set(BUILD_GMOCK OFF)
+  set(gtest_disable_pthreads ${WIN32})
+  add_subdirectory("${KTTM_GTEST_SOURCE}" "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+  if(NOT TARGET GTest::gtest_main)
+    add_library(GTest::gtest_main ALIAS gtest_main)
+  endif()
+endif()
+
+# Under an emulator starting a process is dear: there each shard runs its part of all tests in one process.
+function(kttm_register_tests target)
+  if(KTTM_TEST_SHARDS EQUAL 0)
+    include(GoogleTest)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    return()
+  endif()
+  math(EXPR last "${KTTM_TEST_SHARDS} - 1")
+  foreach(shard RANGE ${last})
+    add_test(NAME ${target}.shard_${shard} COMMAND ${target} --gtest_brief=1)
+    set_tests_properties(${target}.shard_${shard} PROPERTIES
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${KTTM_TEST_SHARDS};GTEST_SHARD_INDEX=${shard}" TIMEOUT 1200)
+  endforeach()
+endfunction()
+
+file(GLOB test_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*.cpp")
+if(test_sources)
+  add_executable(kttm_tests ${test_sources})
+  kttm_use_flags(kttm_tests)
+  kttm_link_inside(kttm_tests)
+  target_include_directories(kttm_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_compile_definitions(kttm_tests PRIVATE KT_TESTS_DIR="${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(kttm_tests PRIVATE GTest::gtest_main)
+  kttm_register_tests(kttm_tests)
+endif()
+
+# Looks at sources only: once, natively, is enough.
+find_package(Python3 COMPONENTS Interpreter)
+if(Python3_FOUND AND KTTM_NATIVE64)
+  set(layers "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/tests/layers/check_layers.py")
+  add_test(NAME layers.includes_point_down_only COMMAND ${layers} "${PROJECT_SOURCE_DIR}")
+  add_test(NAME layers.the_check_finds_violations COMMAND ${layers} --self-test)
+endif()
+
+if(KTTM_NATIVE64)
+  add_test(NAME libraries.inner_names_stay_inside
+           COMMAND sh "${PROJECT_SOURCE_DIR}/tests/libraries/inner_names_stay_inside.sh"
+                   $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)
+endif()
+
+# The tool as a user starts it, through the emulator where there is one.
+find_program(KTTM_BASH bash)
+if(TARGET kttm_tool AND KTTM_BASH)
+  add_test(NAME tool.cases_and_help_examples
+           COMMAND "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/run_cases.sh"
+                   ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kttm_tool>)
+endif()

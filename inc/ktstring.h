@@ -1,0 +1,247 @@
+// ktstring.h - the string value class: text with a code set and a language.
+#ifndef KTSTRING_H
+#define KTSTRING_H
+
+#include "ktchar.h"
+
+#include <cstdint>
+#include <type_traits>
+
+// Result codes of string operations.
+constexpr int KtERR_NOT_FOUND = -1;
+constexpr int KtERR_BAD_CODESET = -2002;
+constexpr int KtERR_END_OF_LIST = -2005;
+
+// Compare operator bits; 65535 stands for the language context's default operator.
+constexpr unsigned short KtCMP_NO_WILDCARDS = 0x10;       // "*" and "?" are ordinary characters
+constexpr unsigned short KtCMP_IGNORE_CASE = 0x20;        // differences in bits 5-6 of the keys are ignored
+constexpr unsigned short KtCMP_IGNORE_DIACRITICS = 0x40;  // differences in bits 0-4 of the keys are ignored
+constexpr unsigned short KtCMP_DROP_SPACES = 0x80;        // ignorable orders below 80 never decide
+constexpr unsigned short KtCMP_BINARY = 0x100;            // order by order, no levels, nothing ignorable
+constexpr unsigned short KtCMP_DROP_SYMBOLS = 0x200;      // ignorable orders from 80 up never decide
+constexpr unsigned short KtCMP_DEFAULT = 65535;
+
+// KtString: a text in one code set and language.
+//
+// Range:  up to 65,533 bytes with the terminator. A longer result raises the assertion "String overflow" && 0 (source
+//         src\ktstring) unless the default configuration holds "stringOverflow" (qualifier "debug") as 0; the size is
+//         then taken modulo 65,536 and the text clipped to it.
+// Null:   language 254, or code set 254 with language 0. A null string behaves as an empty one in every other operation.
+// Order:  Compare and the relational operators: KtStrCmp under an operator of the bits above.
+// Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class at least as large as
+//         bufferSize, so that appending one by one costs time in proportion to the text.
+// Disk:   see StringStore.
+// Text:   one byte a character in code sets below 225, one 16-bit unit in host order from 225 on.
+// Status: operations that can fail answer one of the KtERR_ codes; the others leave the string unchanged.
+// Owner:  the string owns its buffer (malloc); a failed allocation calls the memory handler and leaves the string as it
+//         was (an empty one when it had to give up its old text first).
+// Threads: a string belongs to one thread at a time; const operations may run concurrently.
+//
+// Lengths and positions are in characters. A count of 65535 (or -1) means "to the end"; other negative counts count as 0.
+class KTTM_API KtString {
+public:
+  char* buffer;              // the characters and a terminator; null for the empty string
+  std::uint16_t bufferSize;  // bytes that the text takes in buffer, terminator included; 0 when buffer is null
+  unsigned char codeSet;
+  unsigned char language;
+
+  // --- make -----------------------------------------------------------------------------------------------------
+  KtString();                                               // empty, default code set and language
+  KtString(unsigned char codeSet, unsigned char language);  // empty
+  template <class CodeSet, class Language>
+    requires(std::is_integral_v<CodeSet>&& std::is_integral_v<Language>)
+  KtString(CodeSet set, Language lang)  // the same, so that KtString(0, 1) has one meaning
+      : KtString(static_cast<unsigned char>(set), static_cast<unsigned char>(lang)) {}
+  KtString(const KtString& other);
+  KtString(char ch);            // default 8-bit code set; empty for 0
+  KtString(unsigned short ch);  // default 16-bit code set; empty for 0
+  KtString(const char* text);   // default 8-bit code set; empty for null
+  KtString(const unsigned short* text);
+  KtString(const char* text, unsigned short n);  // exactly n characters; 65535: up to the terminator
+  KtString(const unsigned short* text, unsigned short n);
+  KtString(short number);  // decimal
+  KtString(int number);
+  KtString(unsigned int number);  // as "%d": above 2,147,483,647 prints negative
+  KtString(long number);
+  KtString(unsigned long number);
+  KtString(double number);  // as "%.15g"
+  ~KtString();
+
+  int Init();                           // fields of a new empty string, the old ones forgotten (no buffer is freed); 0
+  void Destroy();                       // frees the buffer and zeroes all four fields
+  void d_deactivate();                  // the same
+  KtString& Destruct(KtString& other);  // moves: takes over other's fields; other is left without buffer
+
+  // --- code sets ------------------------------------------------------------------------------------------------
+  int SetCodeSetCode(unsigned char code);  // relabels; 0, or -2002 across character sizes
+  void SetCodeSet(unsigned char code);     // converts when the character size changes, else relabels
+  int MapToCodeSet(unsigned char code);    // converts; 0, or -2002 for code 0
+  // Becomes a copy of at most count characters of source in code set `code`, with source's language. Returns the
+  // characters copied, or -2002 when source is this string. count as above.
+  int CopyMapped(const KtString& source, unsigned char code, int count);
+
+  static unsigned char GetDefaultCodeSet() { return KtLanguageContext::GetDefaultCodeSet(); }
+  static unsigned char GetDefault8CodeSet() { return KtLanguageContext::GetDefault8CodeSet(); }
+  static unsigned char GetDefault16CodeSet() { return KtLanguageContext::GetDefault16CodeSet(); }
+  static unsigned char GetDefaultLanguage() { return KtLanguageContext::GetDefaultLanguage(); }
+  static unsigned short GetDefaultCmpOp() { return KtLanguageContext::GetDefaultCmpOp(); }
+  static void SetDefaultCodeSet(unsigned char code) { KtLanguageContext::SetDefaultCodeSet(code); }
+  static void SetDefaultLanguage(unsigned char language) { KtLanguageContext::SetDefaultLanguage(language); }
+  static void SetDefaultCmpOp(unsigned short cmpOp) { KtLanguageContext::SetDefaultCmpOp(cmpOp); }
+
+  // The wildcard characters of pattern comparison: process-wide, kept as collation orders, "*", "?" and "\" until set.
+  static int SetAsterisk(const KtChar& ch);  // 0
+  static int SetQuestion(const KtChar& ch);
+  static int SetEscape(const KtChar& ch);
+
+  unsigned char GetLanguage() const { return language; }
+  void SetLanguage(unsigned char code) { language = code; }
+  unsigned char GetCodeSet() const { return codeSet; }
+
+  // --- ask ------------------------------------------------------------------------------------------------------
+  static const KtString& EmptyString();
+  const char* StrGet() const;  // never null; two zero bytes without a buffer
+  unsigned short CharSize() const { return KtCodeSet::CharSizeOf(codeSet); }
+  unsigned short Len() const;  // characters up to the terminator
+  int IsEmpty() const;
+  int operator!() const { return IsEmpty(); }
+  int IsNullValue() const;
+  int SetNullValue();              // frees the text; code set 0, language 254; returns 0
+  KtChar operator[](int i) const;  // i up to the length (the terminator), else character 0, code set and language 255
+  operator int() const;            // as strtol with base 0, or decimal under option bit 0; saturates at 32 bits
+  operator short() const;          // the same, the low 16 bits
+  operator long() const;           // decimal
+  operator double() const;         // as atof, whatever the process locale
+  int Atol(long& value) const;     // 0, or -1 (value 0) unless the text starts with a digit or "-"
+  int Strtol(long& value) const;   // the same with base detection
+
+  // --- change ---------------------------------------------------------------------------------------------------
+  KtString& operator=(const KtString& other);
+  KtString& operator=(const char* text);
+  KtString& operator=(const unsigned short* text);
+  KtString& operator+=(const KtString& other);  // converted into this code set
+  KtString& operator+=(char ch);
+  KtString& operator+=(unsigned short ch);
+  KtString& operator+=(const char* text);
+  KtString& operator+=(const unsigned short* text);
+
+  KtString& operator<<(char x);
+  KtString& operator<<(const char* x);
+  KtString& operator<<(const unsigned short* x);
+  KtString& operator<<(const KtString& x);
+  KtString& operator<<(short x);
+  KtString& operator<<(unsigned short x);  // 16-bit string: one character; 8-bit string: its decimal number
+  KtString& operator<<(int x);
+  KtString& operator<<(unsigned int x);
+  KtString& operator<<(long x);
+  KtString& operator<<(unsigned long x);
+  KtString& operator<<(float x);
+  KtString& operator<<(double x);
+
+  KtString& Insert(const KtString& s, unsigned short pos);   // nothing when pos > Len()
+  KtString& Replace(const KtString& s, unsigned short pos);  // overwrites; the length never changes
+  KtString& Cut(unsigned short pos, int n);
+  KtString& Fill(unsigned short n, char ch);
+  KtString& Fill(unsigned short n, unsigned short ch);
+  KtString& Expand(unsigned short n, char ch);
+  KtString& Expand(unsigned short n, unsigned short ch);
+  KtString& LeftTrim();
+  KtString& RightTrim();
+  KtString& Trim();
+  KtString& Transform(KtCharOperation& op);
+  KtString& ToLower();
+  KtString& ToUpper();
+  KtString& ReplaceAll(const KtString& from, const KtString& to, unsigned short pos = 0);
+  KtString& ReplaceAll(char from, char to, unsigned short pos = 0);
+  KtString& ReplaceAll(unsigned short from, unsigned short to, unsigned short pos = 0);
+  KtString Copy(unsigned short pos, int n = 65535) const;
+  KtString Left(unsigned short n) const;
+  KtString Right(unsigned short n) const;
+
+  // --- search ---------------------------------------------------------------------------------------------------
+  // The first position from pos on at which the pattern matches, or -1.
+  int Find(const KtString& pattern, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
+  int Find(char ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
+  int Find(unsigned short ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
+  int SubStringPos(const KtString& s, unsigned short pos = 0) const { return Find(s, pos); }
+
+  // --- compare --------------------------------------------------------------------------------------------------
+  // Negative, 0, positive, as KtStrCmp; at most `length` characters, -1 for whole strings.
+  long Compare(const KtString& other, short length = -1, unsigned short cmpOp = KtCMP_DEFAULT) const;
+  int EqualsIgnoreLanguage(const KtString& other) const;  // 1 when equal under 0x100 and the common language
+
+  // --- the rebuild behind every edit ------------------------------------------------------------------------------
+  enum class RebuildMode { kOverwrite = 1, kInsert = 2, kRebuild = 3 };
+  // source: characters in sourceCodeSet (0: this string's); positions and counts in characters; repeat > 1 writes the
+  // source's first character that often. storeFlag 255 is ordinary use; any other value is the format code of disk
+  // characters: 2 means that 16-bit source characters are big-endian, else little-endian.
+  void Rebuild(const char* source, unsigned char sourceCodeSet, unsigned long pos, unsigned long srcPos,
+               unsigned long count, unsigned long repeat, RebuildMode mode, unsigned char storeFlag = 255);
+};
+
+static_assert(sizeof(KtString) == 2 * sizeof(void*));
+
+KTTM_API KtString operator+(const KtString& a, const KtString& b);  // a's code set and language
+inline KtString operator+(const KtString& a, const char* b) { return a + KtString(b); }
+inline KtString operator+(const char* a, const KtString& b) { return KtString(a) + b; }
+inline KtString operator+(const KtString& a, const unsigned short* b) { return a + KtString(b); }
+inline KtString operator+(const unsigned short* a, const KtString& b) { return KtString(a) + b; }
+inline KtString operator+(const KtString& a, char b) { return a + KtString(b); }
+inline KtString operator+(char a, const KtString& b) { return KtString(a) + b; }
+inline KtString operator+(const KtString& a, unsigned short b) { return a + KtString(b); }
+inline KtString operator+(unsigned short a, const KtString& b) { return KtString(a) + b; }
+
+// Relational operators, 1 or 0: the default compare operator over the whole strings.
+KTTM_API int operator==(const KtString& a, const KtString& b);
+KTTM_API int operator!=(const KtString& a, const KtString& b);
+KTTM_API int operator<(const KtString& a, const KtString& b);
+KTTM_API int operator>(const KtString& a, const KtString& b);
+KTTM_API int operator<=(const KtString& a, const KtString& b);
+KTTM_API int operator>=(const KtString& a, const KtString& b);
+inline int operator==(const KtString& a, const char* b) { return a == KtString(b); }
+inline int operator==(const char* a, const KtString& b) { return KtString(a) == b; }
+inline int operator!=(const KtString& a, const char* b) { return a != KtString(b); }
+inline int operator!=(const char* a, const KtString& b) { return KtString(a) != b; }
+inline int operator<(const KtString& a, const char* b) { return a < KtString(b); }
+inline int operator<(const char* a, const KtString& b) { return KtString(a) < b; }
+inline int operator>(const KtString& a, const char* b) { return a > KtString(b); }
+inline int operator>(const char* a, const KtString& b) { return KtString(a) > b; }
+inline int operator<=(const KtString& a, const char* b) { return a <= KtString(b); }
+inline int operator<=(const char* a, const KtString& b) { return KtString(a) <= b; }
+inline int operator>=(const KtString& a, const char* b) { return a >= KtString(b); }
+inline int operator>=(const char* a, const KtString& b) { return KtString(a) >= b; }
+inline int operator==(const KtString& a, const unsigned short* b) { return a == KtString(b); }
+inline int operator==(const unsigned short* a, const KtString& b) { return KtString(a) == b; }
+inline int operator!=(const KtString& a, const unsigned short* b) { return a != KtString(b); }
+inline int operator!=(const unsigned short* a, const KtString& b) { return KtString(a) != b; }
+inline int operator<(const KtString& a, const unsigned short* b) { return a < KtString(b); }
+inline int operator<(const unsigned short* a, const KtString& b) { return KtString(a) < b; }
+inline int operator>(const KtString& a, const unsigned short* b) { return a > KtString(b); }
+inline int operator>(const unsigned short* a, const KtString& b) { return KtString(a) > b; }
+inline int operator<=(const KtString& a, const unsigned short* b) { return a <= KtString(b); }
+inline int operator<=(const unsigned short* a, const KtString& b) { return KtString(a) <= b; }
+inline int operator>=(const KtString& a, const unsigned short* b) { return a >= KtString(b); }
+inline int operator>=(const unsigned short* a, const KtString& b) { return KtString(a) >= b; }
+
+// Takes the next item of a separated list: the characters from pos up to the separator, trimmed, become item, and pos is
+// set one past the separator's position. A separator at position 0 of the list is skipped. 0, or -2005 at the end.
+KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
+
+// Compares two texts. Negative when s1 sorts before s2, 0, or positive.
+//   s2 is the pattern side: only its "*" and "?" act as wildcards, and only without bit 0x10 and 0x100.
+//   length: at most that many characters (-1: the whole texts). flag: byte order of 16-bit characters, see
+//   KtStringIterator. report: may be null; receives the last primary difference under bit 0x80.
+// Null texts come first. Both with code set 0: byte order, or a pattern match. Pure.
+KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,
+                       unsigned char language2, const char* s2, unsigned short cmpOp, short length,
+                       unsigned char flag = 255, int* report = nullptr);
+
+// Hashes, modulo 2^32; pure. HashKtString: the characters as stored; HashKtString7: their low seven bits.
+KTTM_API unsigned long HashKtString(const KtString& s);
+KTTM_API unsigned long HashKtString7(const KtString& s);
+// By collation orders: texts that are equal under their orders hash alike. 0xFEFE7575 for a null text, 0 for length 0;
+// length -1: the whole text; other negative lengths: 0. With code set 0: by bytes.
+KTTM_API unsigned long HashString(unsigned char codeSet, unsigned char language, char* data, short length,
+                                  unsigned char flag);
+
+#endif

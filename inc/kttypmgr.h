@@ -1,0 +1,124 @@
+// kttypmgr.h - KtTypeMgr, the entry point through which an engine handles values by type id, and the module functions.
+#ifndef KTTYPMGR_H
+#define KTTYPMGR_H
+
+#include "ktoption.h"
+#include "ktstring.h"
+#include "kttypcvd.h"
+#include "kttypdsc.h"
+
+struct KtEvalData;
+
+// KtTypeMgr: generic operations on runs of values whose type is known as an id.
+//
+// Range:  ids 0 to 40 (legacy table: 0 to 27); every other id acts as the illegal type: 0, null, 0.0 or the unchanged
+//         output.
+// Null:   SupportsNullValue tells whether a type has a null value; SetNullValue works on every type.
+// Status: no operation throws or asserts; an operation that a type does not offer answers as told beside it.
+// Owner:  a manager holds no resources. What Create, DefaultValue and ConvertFrom return belongs to the caller: Delete
+//         with the same id and count. What ConvertTo returns: delete the holder.
+// Threads: operations are pure but for the Exchange functions, SetNullPrintString and DefaultTypeMgr, which change
+//         process-wide state unguarded: use those before concurrent use begins.
+class KTTM_API KtTypeMgr {
+public:
+  // version 12 and above: the current table, level 4; 11: the legacy table, level 3; 4 to 10: the current table, level
+  // as the version; below 4: the legacy table, level as the version.
+  explicit KtTypeMgr(unsigned long version);
+  void SetFactory(unsigned long version);
+
+  // --- types ----------------------------------------------------------------------------------------------------
+  int IsValidType(char id) const;                       // 0 only for ids 41 to 99
+  int Name2KtTypeId(const char* name, char& id) const;  // 0: found, id set. 1: not found, id 41
+  char* NameGet(char id, char* buffer) const;           // into buffer (16 characters suffice), or the name itself
+  unsigned short MemLenGet(char id, unsigned long count) const;  // memory bytes of count values, modulo 65,536
+  unsigned short IsFixed(char id) const;
+  void* GetArrayElement(char id, void* base, unsigned long index, unsigned long count) const;  // null past count
+
+  // --- life -----------------------------------------------------------------------------------------------------
+  void* Create(char id, unsigned long count) const;
+  void* Delete(char id, void* values, unsigned long count) const;  // null
+  void* DefaultValue(char id, unsigned long count, int asNull) const;
+
+  // --- storage --------------------------------------------------------------------------------------------------
+  unsigned long Store(char id, void* dst, void* src, unsigned char format, unsigned long count) const;
+  unsigned long Load(char id, void* dst, void* src, unsigned char format, unsigned long count) const;
+  unsigned long DiskLenGet(char id, void* values, unsigned char format, unsigned long count, unsigned char mode) const;
+  unsigned long DiskLenGetFromMemFile(char id, MemFile* file, unsigned char format, unsigned long count) const;
+  unsigned long Translate(char id, void* dst, unsigned char dstFormat, unsigned long dstLength, void* src,
+                          unsigned char srcFormat, unsigned long srcLength, unsigned long count) const;
+
+  // --- compare, bounds, hash ------------------------------------------------------------------------------------
+  long Cmp(char id, void* a, void* b, unsigned short options, unsigned long count, unsigned char format) const;
+  long Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short options,
+           unsigned long count, unsigned char format, int& status) const;
+  float EvalAndBound(char id, KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
+                     unsigned long count, KtIdxBounds* result, KtEvalData* data) const;  // data is not used
+  unsigned long Hash(char id, unsigned long length, void* values, unsigned long count, unsigned char format,
+                     int& status) const;
+
+  // --- text -----------------------------------------------------------------------------------------------------
+  KtTypeConvertData* ConvertTo(char id, void* values, unsigned long count);  // null where not offered
+  void* ConvertFrom(char id, KtTypeConvertData* data, unsigned long count);
+  // A null format stands for the type's own. Runs of two and more are appended with "," between them (but for char and
+  // KtByte, which print as one text). Where not offered: out unchanged, or `values`.
+  KtString& PrintToKtString(char id, KtString& out, void* values, const char* format, unsigned long count) const;
+  void* ScanFromKtString(char id, void* values, KtString& in, const char* format, unsigned long count) const;
+  static const KtString& GetNullPrintString();  // "{NULL}" until set
+  static void SetNullPrintString(const KtString& text);
+
+  // --- null -----------------------------------------------------------------------------------------------------
+  unsigned short SupportsNullValue(char id) const;  // 1 or 0
+  int IsNullValue(char id, void* value) const;
+  int DiskIsNullValue(char id, void* value) const;  // always -2999
+  // Makes the value null; a type without a null value gets what an empty string converts to, or else 0. Returns 0.
+  int SetNullValue(char id, void* value);
+
+  // --- the row itself: the function as it stands, possibly null ---------------------------------------------------
+  KtConstructorFunc ConstructorPtrGet(char id) const;
+  KtDestructorFunc DestructorPtrGet(char id) const;
+  KtAssignmentFunc AssignmentPtrGet(char id) const;
+  KtCopyFunc CopyPtrGet(char id) const;
+  KtLoadFunc LoadPtrGet(char id) const;
+  KtStoreFunc StorePtrGet(char id) const;
+  KtIsNullFunc IsNullPtrGet(char id) const;
+  KtSetNullFunc SetNullPtrGet(char id) const;
+  KtTypeCmpFunc CmpFuncPtrGet(char id) const;
+  int (*ComparePtrGet(char id) const)(void*, void*);  // always null: there is no two-argument compare
+
+  // --- replace: in the shared row, for every manager and thread; null only reads. Result: the old one ----------------
+  const char* ExchangeFormat(char id, const char* format);  // the caller keeps the text alive
+  KtTypeCmpFunc ExchangeKtTypeCmpFunc(char id, KtTypeCmpFunc func);
+  KtPrintToKtStringFunc ExchangePrintToKtStringFunc(char id, KtPrintToKtStringFunc func);
+  KtScanFromKtStringFunc ExchangeScanFromKtStringFunc(char id, KtScanFromKtStringFunc func);
+
+protected:
+  // The older single-string conversion: every value's text followed by a separator that none of them contains. The
+  // caller owns the string. Null where not offered.
+  KtString* ConvertToKtStringOld(void* values, char id, unsigned long count);
+  // The reverse; the last character of text is the separator. text is consumed.
+  void* ConvertFromKtStringOld(KtString* text, char id, unsigned long count);
+
+private:
+  KtTypeDescriptor& Row(char id) const;
+
+  KtTypeDescriptor* const* table_;
+  unsigned short formatLevel_;
+};
+
+// --- module ---------------------------------------------------------------------------------------------------------
+// Attaches the library (non-zero): ktin first, then a default manager of version 5. 0 deletes the default manager.
+// Result: that of ktin's context function.
+KTTM_API int ___KtTypemgrContext(int attach);
+// The default manager, null until attached; mgr, unless null, becomes the new one. The caller owns what it sets and gets.
+KTTM_API KtTypeMgr* DefaultTypeMgr(KtTypeMgr* mgr = nullptr);
+// 1 when this library serves a caller of the same release.
+KTTM_API int KtCheckDll(int flags);
+// Describes the library; returns "Kato Typemanager". Null pointers are skipped. All texts are static.
+KTTM_API const char* KtDescribeDll(int* major, int* minor, int* build, int* revision, int* patch,
+                                   const char** internalName, const char** buildDate, const char** unknown,
+                                   int* compilerVersion, const char** compiler, const char** extra);
+// The same in five optional out-parameters; description is "Kato Typemanager 9.5.23.262.0 ". Static texts.
+KTTM_API void GetKtTypeMgrInfo(const char** compiler, int* compilerVersion, const char** description, const char** date,
+                               const char** internalName);
+
+#endif

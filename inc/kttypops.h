@@ -1,0 +1,47 @@
+// kttypops.h - the named per-type operations that the rows of the type table point at.
+//
+// All are pure: any thread may call them at any time. Runs may be unaligned. A null pointer with a count above 0 is the
+// caller's error.
+#ifndef KTTYPOPS_H
+#define KTTYPOPS_H
+
+#include "kttypdsc.h"
+
+// --- compare -----------------------------------------------------------------------------------------------------
+// Compares `count` values of a with those of b, both in `format`.
+//   Result: -1, 0 or +1 for the first pair that differs (some types: any value of that sign).
+//   lengthA, lengthB: bytes of the runs; 0 means exactly `count` values. options: read by the string compares only.
+//   Status: 0; KtERR_OVERRUN when a run ends before `count` values were compared, which is checked after a difference
+//   too: the result is that of the pairs read so far.
+#define KT_COMPARE_ARGUMENTS                                                                                    \
+  unsigned char format, unsigned long lengthA, void *a, unsigned long lengthB, void *b, unsigned short options, \
+      unsigned long count, int &status
+KTTM_API long CharCompare(KT_COMPARE_ARGUMENTS);      // signed bytes, whatever the format
+KTTM_API long ByteCompare(KT_COMPARE_ARGUMENTS);      // unsigned bytes, whatever the format
+KTTM_API long ShortCompare(KT_COMPARE_ARGUMENTS);     // signed 16 bits
+KTTM_API long WordCompare(KT_COMPARE_ARGUMENTS);      // unsigned 16 bits
+KTTM_API long IntCompare(KT_COMPARE_ARGUMENTS);       // signed 32 bits; two bytes on disk in format 4
+KTTM_API long UnsignedCompare(KT_COMPARE_ARGUMENTS);  // unsigned 32 bits; two-byte disk values are sign-extended first
+KTTM_API long LongCompare(KT_COMPARE_ARGUMENTS);      // signed 32 bits
+KTTM_API long DwordCompare(KT_COMPARE_ARGUMENTS);     // unsigned 32 bits
+KTTM_API long FloatCompare(KT_COMPARE_ARGUMENTS);     // NaN is equal to everything
+KTTM_API long DoubleCompare(KT_COMPARE_ARGUMENTS);    // NaN is equal to everything
+KTTM_API long Int64Compare(KT_COMPARE_ARGUMENTS);     // signed 64 bits
+KTTM_API long BooleanCompare(KT_COMPARE_ARGUMENTS);   // null (255), then the order of KtBoolean's < and >
+KTTM_API long StringCompare(KT_COMPARE_ARGUMENTS);    // KtStrCmp of each pair under `options`, reduced to -1, 0, +1
+#undef KT_COMPARE_ARGUMENTS
+
+// --- strings -----------------------------------------------------------------------------------------------------
+// Format bits for strings: low four bits byte order, 8 memory, 0x20 stored code sets count as 0, 0x40 a stored code set 0
+// counts as the native one, 0x80 index key form.
+
+// Writes `count` disk records of the KtString array at src. Result: bytes written, modulo 65,536 (use the sizes to step).
+KTTM_API unsigned long StringStore(void* dst, const void* src, unsigned char format, unsigned long count);
+// Reads `count` disk records, of the current or the older form, into the KtString array at dst, whose texts are replaced.
+// Result: bytes consumed, modulo 65,536. Never reads past a record, whatever its length word says.
+KTTM_API unsigned long StringLoad(void* dst, const void* src, unsigned char format, unsigned long count);
+// Disk bytes of `count` strings; data is disk records, or a KtString array when givenFormat has bit 8.
+KTTM_API unsigned long StringSizeGet(const void* data, unsigned char givenFormat, unsigned char format,
+                                     unsigned long count);
+
+#endif

@@ -1,0 +1,29 @@
+// byte_swap.h - copies runs of values with the bytes of each value reversed.
+#ifndef KT_BYTE_SWAP_H
+#define KT_BYTE_SWAP_H
+
+#include <cstdint>
+
+namespace kt {
+
+// One value. Shifts, which every compiler turns into its swap instruction or a vector shuffle.
+constexpr std::uint16_t swapBytes(std::uint16_t v) {
+  return static_cast<std::uint16_t>((v << 8) | (v >> 8));
+}
+constexpr std::uint32_t swapBytes(std::uint32_t v) {
+  return (v << 24) | ((v & 0xFF00u) << 8) | ((v >> 8) & 0xFF00u) | (v >> 24);
+}
+constexpr std::uint64_t swapBytes(std::uint64_t v) {
+  const std::uint64_t low = swapBytes(static_cast<std::uint32_t>(v));
+  return (low << 32) | swapBytes(static_cast<std::uint32_t>(v >> 32));
+}
+
+// Runs of `count` values. Order: dst and src may be unaligned; they are equal or do not overlap.
+// Result: the bytes written.
+unsigned long swapRun16(unsigned char* dst, const unsigned char* src, unsigned long count);
+unsigned long swapRun32(unsigned char* dst, const unsigned char* src, unsigned long count);
+unsigned long swapRun64(unsigned char* dst, const unsigned char* src, unsigned long count);
+
+}  // namespace kt
+
+#endif

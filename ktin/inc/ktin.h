@@ -1,0 +1,113 @@
+// ktin.h - internationalisation: code sets, case, languages, collation kinds and collation orders.
+//
+// Threads: KtCodeSet and KtUnicodeProps are pure; their tables are built once, safely from any thread. The values of
+// KtLanguageContext are process-wide and unguarded: set them before concurrent use begins.
+#ifndef KTIN_H
+#define KTIN_H
+
+#include <cstdint>
+
+#if defined(_WIN32)
+#if defined(KTIN_BUILD)
+#define KTIN_API __declspec(dllexport)
+#else
+#define KTIN_API __declspec(dllimport)
+#endif
+#else
+#define KTIN_API __attribute__((visibility("default")))
+#endif
+
+// Attaches (non-zero) or detaches (0) the library; returns 1. Nothing needs it: tables are built on first use.
+KTIN_API int ___KtI18NContext(int attach);
+
+// Process-wide defaults. Each value is independent of the others; at load as given in brackets.
+class KTIN_API KtLanguageContext {
+public:
+  static unsigned char GetDefaultCodeSet();    // [1] of an empty KtString
+  static unsigned char GetDefault8CodeSet();   // [1] of a KtString made from char text
+  static unsigned char GetDefault16CodeSet();  // [253] of a KtString made from 16-bit text
+  static unsigned char GetNativeCodeSet();     // [1] stands in for code set 0
+  static unsigned char GetDefaultLanguage();   // [1]
+  static unsigned short GetDefaultCmpOp();     // [0x10] wildcards off
+
+  static void SetDefaultCodeSet(unsigned char codeSet);
+  static void SetDefault8CodeSet(unsigned char codeSet);
+  static void SetDefault16CodeSet(unsigned char codeSet);
+  static void SetNativeCodeSet(unsigned char codeSet);
+  static void SetDefaultLanguage(unsigned char language);
+  static void SetDefaultCmpOp(unsigned short cmpOp);
+};
+
+// One code set, by code: 1 ISO 8859-1, 2 ISO 8859-2, 3 ISO 8859-5, 4 ISO 8859-7, 5 ISO 8859-15, 10 Windows-1252,
+// 11 Windows-1250, 12 Windows-1251, 253 Unicode in 16-bit units. Code 0 is the native set of the language context,
+// every other code below 225 is like 1, from 225 on like 253.
+class KTIN_API KtCodeSet {
+public:
+  static constexpr unsigned short kSubstitute = 0x1A;  // what a character becomes that the target set lacks
+
+  // The set that `code` stands for; never fails. The reference is valid for the life of the process.
+  static const KtCodeSet& Get(unsigned char code);
+  // 1 for codes below 225, else 2.
+  static constexpr unsigned short CharSizeOf(unsigned char code) { return code < 225 ? 1 : 2; }
+
+  unsigned char Code() const { return code_; }              // the resolved code, one of those listed above
+  unsigned short CharSize() const { return CharSizeOf(code_); }
+  const char* Name() const { return name_; }                // "ISO 8859-1", ... "Unicode"
+
+  // Characters are numbers: 0 to 255 in an 8-bit set (bits above are ignored), 0 to 65,535 in a 16-bit one.
+  unsigned short ToUnicode(unsigned short ch) const;
+  unsigned short FromUnicode(unsigned short unicode) const;  // kSubstitute where the set lacks it
+  unsigned short ToLower(unsigned short ch) const;           // unchanged where there is no partner in the set
+  unsigned short ToUpper(unsigned short ch) const;
+
+  // 8-bit sets: the whole set as one table of 256 entries; null for Unicode.
+  const unsigned short* ToUnicodeTable() const { return toUnicode_; }
+  const unsigned char* ToLowerTable() const { return toLower_; }
+  const unsigned char* ToUpperTable() const { return toUpper_; }
+  // 8-bit to 8-bit: 256 entries, this set to `target`; built once per pair, null where either is Unicode.
+  const unsigned char* MapTable(const KtCodeSet& target) const;
+
+  // 8-bit sets: the collation orders of the 256 characters under a kind, one order each (entry 0 is 0); built once per
+  // set and kind. Null for Unicode (see KtUnicodeProps::OrderPages).
+  const unsigned short* Orders(unsigned char kind) const;
+
+private:
+  friend struct KtCodeSetRegistry;
+  constexpr KtCodeSet() = default;
+  unsigned char code_ = 0;
+  const char* name_ = nullptr;
+  const unsigned short* toUnicode_ = nullptr;
+  const unsigned char* toLower_ = nullptr;
+  const unsigned char* toUpper_ = nullptr;
+};
+
+// Collation of Unicode characters. A kind is a promise to stored indexes: its orders never change; a changed order
+// takes a new kind number.
+class KTIN_API KtUnicodeProps {
+public:
+  static constexpr unsigned char kIdeographicKind = 20;  // kinds from here on order by Unicode code
+  static constexpr unsigned short kMaxOrders = 3;        // of one character
+
+  // The collation kind of a language: 4 Spanish 2; 5 Swedish 3; 6 Danish 4; 20 to 22 kind 20; every other 1.
+  static unsigned char CollationKind(unsigned char language);
+
+  // Orders of one page of 256 characters: character c of page p has the order
+  //   (orders[c & 255] + offset) modulo 65,536
+  // Under the kinds below 20 the order 0xFFFF says that more orders follow: call Orders.
+  struct Page {
+    const unsigned short* orders;
+    unsigned short offset;
+  };
+  // 256 pages, by the high byte of the character. Kinds other than 1, 2, 3, 4, 20: those of kind 1 below 20, of 20 above.
+  static const Page* OrderPages(unsigned char kind);
+
+  // All orders of one character (1 to kMaxOrders of them; 0 for character 0, which has none); returns their number.
+  static unsigned short Orders(unsigned short unicode, unsigned char kind, unsigned short orders[kMaxOrders]);
+  // The first order; 0 for character 0.
+  static unsigned short Order(unsigned short unicode, unsigned char kind);
+
+  static unsigned short ToLower(unsigned short unicode);  // simple (one to one) case mapping
+  static unsigned short ToUpper(unsigned short unicode);
+};
+
+#endif

@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""bench_table.py results.json [goals.csv]: the ratio of speed kttm : peer for every job, size and peer.
+
+Benchmarks are named job/contestant[/size], where the job may itself contain slashes when a size follows; the contestant
+"kttm" stands against every other contestant of its job and size. The ratio is the median time of the peer divided by
+the median time of kttm. goals.csv has the columns job,peer,size,goal; an empty size stands for every size. Exit status 1
+when --check is given and a goal is missed.
+"""
+
+import argparse
+import csv
+import json
+import os
+import re
+import statistics
+import sys
+
+NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def split_name(name):
+    """(job, contestant, size) of a benchmark's name; flags that the runner appends are dropped."""
+    parts = [p for p in name.split("/") if not re.match(r"(min_time|min_warmup_time|iterations|repeats|threads|manual_time|real_time|process_time)\b", p)]
+    size = parts.pop() if len(parts) > 2 and re.fullmatch(r"\d+", parts[-1]) else ""
+    if len(parts) < 2:
+        return None
+    return "/".join(parts[:-1]), parts[-1], size
+
+
+def read_medians(path):
+    """Median time in ns for each (job, size) and contestant, and the errors that runs reported."""
+    with open(path, encoding="utf-8") as file:
+        runs = json.load(file)["benchmarks"]
+    times, errors = {}, []
+    for run in runs:
+        if run.get("run_type") == "aggregate":
+            continue
+        key = split_name(run.get("run_name", run["name"]))
+        if run.get("error_occurred"):
+            errors.append(f"{run['name']}: {run.get('error_message', '')}")
+        elif key:
+            job, contestant, size = key
+            time = run["real_time"] * NANOSECONDS[run["time_unit"]]
+            times.setdefault((job, size), {}).setdefault(contestant, []).append(time)
+    medians = {key: {who: statistics.median(t) for who, t in group.items()} for key, group in times.items()}
+    return medians, sorted(set(errors))
+
+
+def read_goals(path):
+    goals = {}
+    if path and os.path.exists(path):
+        with open(path, encoding="utf-8", newline="") as file:
+            for row in csv.DictReader(line for line in file if not line.startswith("#")):
+                goals[(row["job"], row["peer"], row["size"] or "")] = float(row["goal"])
+    return goals
+
+
+def table(medians, goals):
+    """One row for each job, size and peer: (job, size, peer, kttm ns, peer ns, ratio, goal, verdict)."""
+    rows = []
+    for (job, size), group in sorted(medians.items(), key=lambda item: (item[0][0], int(item[0][1] or 0))):
+        if "kttm" not in group:
+            continue
+        for peer in sorted(set(group) - {"kttm"}):
+            goal = goals.get((job, peer, size), goals.get((job, peer, "")))
+            ratio = group[peer] / group["kttm"]
+            verdict = "" if goal is None else "ok" if ratio >= goal else "short"
+            rows.append((job, size, peer, group["kttm"], group[peer], ratio, goal, verdict))
+    return rows
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("results")
+    parser.add_argument("goals", nargs="?")
+    parser.add_argument("--partial", action="store_true", help="the run was filtered: do not list goals without a result")
+    parser.add_argument("--check", action="store_true", help="fail when a goal is missed")
+    args = parser.parse_args()
+    medians, errors = read_medians(args.results)
+    goals = read_goals(args.goals)
+    rows = table(medians, goals)
+
+    width = max([len(row[0]) for row in rows] + [3])
+    print(f"{'job':{width}} {'size':>8} {'peer':16} {'kttm ns':>12} {'peer ns':>12} {'ratio':>7} {'goal':>6}")
+    for job, size, peer, ours, theirs, ratio, goal, verdict in rows:
+        shown = "" if goal is None else f"{goal:g}"
+        print(f"{job:{width}} {size:>8} {peer:16} {ours:12.1f} {theirs:12.1f} {ratio:7.2f} {shown:>6} {verdict}".rstrip())
+    judged = [row[-1] for row in rows if row[-1]]
+    measured = {(row[0], row[2]) for row in rows}
+    absent = sorted({(job, peer) for job, peer, _ in goals} - measured)
+    print(f"\n{judged.count('ok')} of {len(judged)} goals reached")
+    for job, peer in [] if args.partial else absent:
+        print(f"not measured: {job} against {peer}")
+    for error in errors:
+        print(f"error: {error}")
+    return 1 if errors or (args.check and "short" in judged) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

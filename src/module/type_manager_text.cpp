@@ -1,0 +1,153 @@
+// KtTypeMgr: the operations that travel through text, and the null fallbacks that use it.
+#include "kttypmgr.h"
+
+#include "module/manager_row.h"
+#include "table/type_table.h"
+#include "values/null_text.h"
+
+namespace {
+
+// The string row of the manager's own table.
+KtTypeDescriptor& stringRow(const kt::TypeTable table) { return *table[KT_ID_KtString]; }
+
+}  // namespace
+
+KtTypeConvertData::~KtTypeConvertData() {
+  if (typeManager != nullptr && data != nullptr) {
+    typeManager->Delete(typeId, data, static_cast<unsigned long>(count));
+    data = nullptr;
+  }
+  count = 0;
+  typeId = KtNO_TYPE;
+}
+
+KtTypeConvertData* KtTypeMgr::ConvertTo(char id, void* values, unsigned long count) {
+  const KtConvertToFunc convertTo = Row(id).ConvertTo;
+  KtTypeConvertData* holder = convertTo == nullptr ? nullptr : convertTo(values, count);
+  if (holder != nullptr) holder->typeManager = this;
+  return holder;
+}
+
+void* KtTypeMgr::ConvertFrom(char id, KtTypeConvertData* data, unsigned long count) {
+  if (data != nullptr) data->typeManager = this;
+  const KtConvertFromFunc convertFrom = Row(id).ConvertFrom;
+  return convertFrom == nullptr ? nullptr : convertFrom(data, count);
+}
+
+KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const char* format,
+                                     unsigned long count) const {
+  const KtTypeDescriptor& row = Row(id);
+  const KtPrintToKtStringFunc print = row.PrintToKtString;
+  if (print == nullptr) return out;
+  if (format == nullptr) format = row.Format;
+  // Characters print as one text. The illegal row prints nothing at all, so no commas either.
+  const bool asOneText = print == Row(KT_ID_char).PrintToKtString || row.MemLen == 0;
+  if (count < 2 || asOneText) return print(out, values, format, count);
+  for (unsigned long i = 0; i < count; ++i) {
+    KtString text;
+    out += print(text, GetArrayElement(id, values, i, count), format, 1);
+    if (i + 1 < count) out += ',';
+  }
+  return out;
+}
+
+void* KtTypeMgr::ScanFromKtString(char id, void* values, KtString& in, const char* format, unsigned long count) const {
+  const KtTypeDescriptor& row = Row(id);
+  if (row.ScanFromKtString == nullptr) return values;
+  return row.ScanFromKtString(values, in, format == nullptr ? row.Format : format, count);
+}
+
+const KtString& KtTypeMgr::GetNullPrintString() { return kt::nullPrintString(); }
+
+void KtTypeMgr::SetNullPrintString(const KtString& text) { kt::nullPrintString() = text; }
+
+int KtTypeMgr::SetNullValue(char id, void* value) {
+  const KtTypeDescriptor& row = Row(id);
+  if (row.SetNull != nullptr) {
+    const int result = row.SetNull(value);
+    if (result != KtERR_NOT_APPLICABLE) return result;
+  }
+  if (row.Assignment != nullptr) {
+    void* text = stringRow(table_).Create(1);
+    if (text == nullptr) return 0;
+    void* converted = nullptr;
+    {
+      KtTypeConvertData holder(KT_ID_KtString, 1, text, this);
+      converted = row.ConvertFrom == nullptr ? nullptr : row.ConvertFrom(&holder, 1);
+    }
+    if (converted != nullptr) {
+      row.Assignment(value, converted, 1, 1);
+      row.Delete(converted, 1);
+    }
+  } else if (row.ScanFromKtString != nullptr) {
+    row.ScanFromKtString(value, kt::zeroText(), row.Format, 1);
+  }
+  return 0;
+}
+
+namespace {
+
+// A character that no string of the holder contains: the first of the codes 1 to 254, or ",".
+char findSeparator(const KtTypeConvertData& holder, unsigned long count) {
+  for (int code = 1; code < 255; ++code) {
+    const KtString separator(static_cast<char>(code));
+    bool found = false;
+    for (unsigned long i = 0; i < count && !found; ++i) {
+      const KtString* text = holder.GetString(static_cast<int>(i));
+      if (text == nullptr) return static_cast<char>(code);
+      found = text->Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS) >= 0;
+    }
+    if (!found) return static_cast<char>(code);
+  }
+  return ',';
+}
+
+// The text before the next separator, which is consumed with it; empty when there is none.
+KtString takePiece(KtString& text, const KtString& separator) {
+  const int end = text.Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS);
+  if (end < 0) return KtString(text.codeSet, text.language);
+  KtString piece = text.Left(static_cast<unsigned short>(end));
+  text.Cut(0, end + 1);
+  return piece;
+}
+
+unsigned long countPieces(const KtString& text, const KtString& separator) {
+  unsigned long pieces = 1;
+  int at = text.Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS);
+  while (at >= 0) {
+    ++pieces;
+    at = text.Find(separator, static_cast<unsigned short>(at + 1), KtCMP_BINARY | KtCMP_NO_WILDCARDS);
+  }
+  return pieces;
+}
+
+}  // namespace
+
+KtString* KtTypeMgr::ConvertToKtStringOld(void* values, char id, unsigned long count) {
+  KtTypeConvertData* holder = ConvertTo(id, values, count);
+  if (holder == nullptr) return nullptr;
+  auto* joined = static_cast<KtString*>(stringRow(table_).Create(1));
+  const KtString separator(findSeparator(*holder, count));
+  for (unsigned long i = 0; joined != nullptr && i < count; ++i) {
+    const KtString* text = holder->GetString(static_cast<int>(i));
+    if (text != nullptr) *joined += *text;
+    *joined += separator;
+  }
+  delete holder;
+  return joined;
+}
+
+void* KtTypeMgr::ConvertFromKtStringOld(KtString* text, char id, unsigned long count) {
+  const KtConvertFromFunc convertFrom = Row(id).ConvertFrom;
+  if (convertFrom == nullptr) return nullptr;
+  const KtString separator = text->IsEmpty() ? KtString(',') : text->Right(1);
+  const unsigned long pieces = countPieces(*text, separator);
+  auto* strings = static_cast<KtString*>(stringRow(table_).Create(pieces));
+  if (strings == nullptr) return nullptr;
+  for (unsigned long i = 0; i < pieces; ++i) {
+    KtString piece = takePiece(*text, separator);
+    strings[i].Destruct(piece);
+  }
+  KtTypeConvertData holder(KT_ID_KtString, pieces, strings, this);
+  return convertFrom(&holder, count);
+}

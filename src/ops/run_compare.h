@@ -1,0 +1,99 @@
+// run_compare.h - the compare contract, once for all types of fixed size.
+//
+// A description V of one value supplies:
+//   kEqualBytes                          whether equal bytes always compare as 0 (then equal blocks are skipped)
+//   elementSize(code)                    bytes of one value in the format code
+//   direct(code)                         whether compareDirect applies to the code
+//   compareDirect(a, b)                  compares two values in memory layout
+//   compareDisk(code, a, b)              compares two values in the disk form of the code
+#ifndef KT_OPS_RUN_COMPARE_H
+#define KT_OPS_RUN_COMPARE_H
+
+#include "kttypdsc.h"
+#include "ops/format_code.h"
+#include "ops/kernels.h"
+
+namespace kt {
+
+// The two runs of a compare. A length of 0 stands for exactly count values.
+struct RunPair {
+  const unsigned char* a;
+  const unsigned char* b;
+  unsigned long lengthA;
+  unsigned long lengthB;
+  unsigned long count;
+  unsigned long size;  // of one value
+
+  unsigned long readable(unsigned long length) const {
+    return length == 0 || length / size > count ? count : length / size;
+  }
+  // Pairs that both runs hold in full.
+  unsigned long readablePairs() const {
+    const unsigned long inA = readable(lengthA);
+    const unsigned long inB = readable(lengthB);
+    return inA < inB ? inA : inB;
+  }
+  bool startsInside(unsigned long index, unsigned long length) const { return length == 0 || index * size < length; }
+  // 2101 when value `index` is asked for and begins at or after the end of a run.
+  int statusBefore(unsigned long index) const {
+    return index < count && !(startsInside(index, lengthA) && startsInside(index, lengthB)) ? KtERR_OVERRUN : 0;
+  }
+};
+
+// Compares pair by pair and stops at the first difference. compareOne(a, b) compares one pair.
+template <bool kSkipEqualBytes, class CompareOne>
+long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
+  const unsigned long pairs = runs.readablePairs();
+  const unsigned long size = runs.size;
+  unsigned long i = 0;
+  while (i < pairs) {
+    unsigned long stop = pairs;
+    if constexpr (kSkipEqualBytes) {
+      const unsigned long equal = equalBlocks(runs.a + i * size, runs.b + i * size, (pairs - i) * size);
+      i += equal / size;
+      // The values that touch the differing block; beyond it equal blocks may follow again.
+      const unsigned long touched = kEqualBlock / size + 2;
+      stop = pairs - i < touched ? pairs : i + touched;
+    }
+    for (; i < stop; ++i) {
+      const long result = compareOne(runs.a + i * size, runs.b + i * size);
+      if (result != 0) {
+        status = runs.statusBefore(i + 1);
+        return result;
+      }
+    }
+  }
+  if (pairs < runs.count) status = KtERR_OVERRUN;
+  return 0;
+}
+
+// Everything but one value in memory layout. Apart, so that the common case needs no stack frame.
+template <class V>
+[[gnu::noinline]] long compareMany(unsigned char code, unsigned long lengthA, const unsigned char* a,
+                                   unsigned long lengthB, const unsigned char* b, unsigned long count, int& status) {
+  if (count == 0) return 0;
+  const RunPair runs{a, b, lengthA, lengthB, count, V::elementSize(code)};
+  if (V::direct(code)) {
+    return compareRuns<V::kEqualBytes>(
+        runs, status, [](const unsigned char* x, const unsigned char* y) { return V::compareDirect(x, y); });
+  }
+  return compareRuns<V::kEqualBytes>(
+      runs, status, [code](const unsigned char* x, const unsigned char* y) { return V::compareDisk(code, x, y); });
+}
+
+// The body of a type's compare function.
+template <class V>
+inline long compareOperation(unsigned char format, unsigned long lengthA, const void* a, unsigned long lengthB,
+                             const void* b, unsigned long count, int& status) {
+  const auto* bytesA = static_cast<const unsigned char*>(a);
+  const auto* bytesB = static_cast<const unsigned char*>(b);
+  const unsigned char code = lowCode(format);
+  status = 0;
+  // What an index asks for millions of times: one value, in memory layout.
+  if (count == 1 && (lengthA | lengthB) == 0 && V::direct(code)) return V::compareDirect(bytesA, bytesB);
+  return compareMany<V>(code, lengthA, bytesA, lengthB, bytesB, count, status);
+}
+
+}  // namespace kt
+
+#endif

@@ -1,0 +1,36 @@
+// The compare functions of the plain scalars, of KtInt64 and of KtBoolean.
+#include "_ktnulty.h"
+#include "kttypops.h"
+#include "ops/run_compare.h"
+#include "ops/scalar_values.h"
+
+namespace kt {
+
+long BooleanByte::compareDirect(const unsigned char* a, const unsigned char* b) {
+  const KtNullRelation nulls = KtNullRelationOf(*a == kNull, *b == kNull);
+  if (nulls != KtNULL_UNKNOWN) return KtNullRelationResult(nulls);
+  if (*a == 0 && *b >= 1 && *b <= 127) return -1;
+  return static_cast<signed char>(*a) > static_cast<signed char>(*b) ? 1 : 0;
+}
+
+}  // namespace kt
+
+// One cover a function: the value's description is all that differs.
+#define KT_COMPARE_COVER(name, value)                                                                             \
+  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short, \
+            unsigned long count, int& status) {                                                                   \
+    return kt::compareOperation<kt::value>(format, lengthA, a, lengthB, b, count, status);                        \
+  }
+
+KT_COMPARE_COVER(CharCompare, CharValue)
+KT_COMPARE_COVER(ByteCompare, ByteValue)
+KT_COMPARE_COVER(ShortCompare, ShortValue)
+KT_COMPARE_COVER(WordCompare, WordValue)
+KT_COMPARE_COVER(IntCompare, IntValue)
+KT_COMPARE_COVER(UnsignedCompare, UnsignedValue)
+KT_COMPARE_COVER(LongCompare, LongValue)
+KT_COMPARE_COVER(DwordCompare, DwordValue)
+KT_COMPARE_COVER(FloatCompare, FloatValue)
+KT_COMPARE_COVER(DoubleCompare, DoubleValue)
+KT_COMPARE_COVER(Int64Compare, Int64Words)
+KT_COMPARE_COVER(BooleanCompare, BooleanByte)

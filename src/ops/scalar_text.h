@@ -1,0 +1,27 @@
+// scalar_text.h - printing and scanning the plain scalars under a format that comes from outside.
+//
+// Printing replaces `out` (characters: all `count` of them as one text; other scalars: the first value, whatever count
+// is); a null pointer to values prints nothing. Scanning sets the first value (characters: up to `count` of them) and
+// leaves it unchanged where the text does not match. Formats: see text/number_format.h.
+#ifndef KT_OPS_SCALAR_TEXT_H
+#define KT_OPS_SCALAR_TEXT_H
+
+class KtString;
+
+namespace kt {
+
+KtString& printChars(KtString& out, void* values, const char* format, unsigned long count);
+void* scanChars(void* values, KtString& in, const char* format, unsigned long count);
+KtString& printShort(KtString& out, void* values, const char* format, unsigned long count);
+void* scanShort(void* values, KtString& in, const char* format, unsigned long count);
+KtString& printLong(KtString& out, void* values, const char* format, unsigned long count);
+void* scanLong(void* values, KtString& in, const char* format, unsigned long count);
+KtString& printFloat(KtString& out, void* values, const char* format, unsigned long count);
+void* scanFloat(void* values, KtString& in, const char* format, unsigned long count);
+// A format that begins with "ldex" prints mantissa and binary exponent, which loses nothing.
+KtString& printDouble(KtString& out, void* values, const char* format, unsigned long count);
+void* scanDouble(void* values, KtString& in, const char* format, unsigned long count);
+
+}  // namespace kt
+
+#endif

@@ -1,0 +1,242 @@
+// scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed and converted.
+#ifndef KT_OPS_SCALAR_VALUES_H
+#define KT_OPS_SCALAR_VALUES_H
+
+#include "ktstring.h"
+#include "ops/format_code.h"
+#include "ops/kernels.h"
+
+#include <ktbs.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace kt {
+
+template <class Memory>
+inline Memory readValue(const void* p) {
+  Memory value;
+  std::memcpy(&value, p, sizeof value);
+  return value;
+}
+
+constexpr std::uint16_t swapBytes(std::uint16_t v) { return static_cast<std::uint16_t>(v >> 8 | v << 8); }
+constexpr std::uint32_t swapBytes(std::uint32_t v) {
+  return v >> 24 | (v >> 8 & 0xFF00u) | (v << 8 & 0xFF0000u) | v << 24;
+}
+
+// -1, 0 or +1. A NaN is neither below nor above anything: 0.
+template <class Memory>
+inline long threeWay(Memory a, Memory b) {
+  return static_cast<long>(a > b) - static_cast<long>(a < b);
+}
+
+// What the scalars of one width share: comparing them as they lie in memory, or after conversion by V::load.
+template <class V, class MemoryType>
+struct ScalarCompare {
+  using Memory = MemoryType;
+  static constexpr bool kEqualBytes = true;
+  static constexpr unsigned long elementSize(unsigned char) { return sizeof(Memory); }
+  static constexpr bool direct(unsigned char code) { return isHostLayout(code); }
+  static long compareDirect(const unsigned char* a, const unsigned char* b) {
+    return threeWay(readValue<Memory>(a), readValue<Memory>(b));
+  }
+  static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
+    Memory valueA;
+    Memory valueB;
+    V::load(&valueA, a, code, 1);
+    V::load(&valueB, b, code, 1);
+    return threeWay(valueA, valueB);
+  }
+};
+
+// --- 8 bits: the format never matters ----------------------------------------------------------------------------
+template <class Memory>
+struct ByteFamily : ScalarCompare<ByteFamily<Memory>, Memory> {
+  static constexpr bool direct(unsigned char) { return true; }
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return CharStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return CharStore(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char, unsigned long count) { return count; }
+  static std::uint32_t hashWords(unsigned char, const unsigned char* p, unsigned long n) {
+    return static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<Memory>(xor8(p, n))));
+  }
+  // The code as a signed number: a byte of 200 is "-56".
+  static KtString toText(Memory v) { return KtString(static_cast<short>(static_cast<signed char>(v))); }
+  static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<short>(s)); }
+};
+using CharValue = ByteFamily<std::int8_t>;
+using ByteValue = ByteFamily<std::uint8_t>;
+
+// --- 16 bits ---------------------------------------------------------------------------------------------------------
+template <class Memory>
+struct ShortFamily : ScalarCompare<ShortFamily<Memory>, Memory> {
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return ShortStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return ShortStore(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char, unsigned long count) { return 2 * count; }
+  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
+    const std::uint16_t words = xor16(p, n);
+    const auto value = static_cast<Memory>(isHostLayout(code) ? words : swapBytes(words));
+    return static_cast<std::uint32_t>(static_cast<std::int32_t>(value));
+  }
+  static KtString toText(Memory v) { return KtString(static_cast<short>(v)); }
+  static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<short>(s)); }
+};
+using ShortValue = ShortFamily<std::int16_t>;
+using WordValue = ShortFamily<std::uint16_t>;
+
+// --- 32 bits ---------------------------------------------------------------------------------------------------------
+// The decimal value of a text, saturated where the host's long is wider than what is stored.
+inline std::int32_t storedLong(const KtString& s) {
+  const long value = s;
+  if (value > INT32_MAX) return INT32_MAX;
+  return value < INT32_MIN ? INT32_MIN : static_cast<std::int32_t>(value);
+}
+
+template <class Memory>
+struct LongFamily : ScalarCompare<LongFamily<Memory>, Memory> {
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return LongStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return LongStore(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char, unsigned long count) { return 4 * count; }
+  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
+    const std::uint32_t words = xor32(p, n);
+    return isHostLayout(code) ? words : swapBytes(words);
+  }
+  // Unsigned values above 2,147,483,647 read as negative numbers.
+  static KtString toText(Memory v) { return KtString(static_cast<long>(static_cast<std::int32_t>(v))); }
+  static Memory fromText(const KtString& s) { return static_cast<Memory>(storedLong(s)); }
+};
+using LongValue = LongFamily<std::int32_t>;
+using DwordValue = LongFamily<std::uint32_t>;
+
+// --- int: two bytes on disk in format 4 ----------------------------------------------------------------------------
+template <class MemoryType, bool kUnsignedStorage>
+struct IntFamily {
+  using Memory = MemoryType;
+  static constexpr bool kEqualBytes = true;
+  static unsigned long elementSize(unsigned char code) {
+    return code == kMemoryForm ? sizeof(Memory) : IntSizeGet(nullptr, kMemoryForm, code, 1);
+  }
+  static constexpr bool direct(unsigned char code) { return code != kShortInts && isHostLayout(code); }
+  static long compareDirect(const unsigned char* a, const unsigned char* b) {
+    return threeWay(readValue<Memory>(a), readValue<Memory>(b));
+  }
+  // Always the signed loader: unsigned values of two bytes compare sign-extended.
+  static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
+    Memory valueA;
+    Memory valueB;
+    IntLoad(&valueA, a, code, 1);
+    IntLoad(&valueB, b, code, 1);
+    return threeWay(valueA, valueB);
+  }
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return kUnsignedStorage ? UnsignedStore(dst, src, f, n) : IntStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return kUnsignedStorage ? UnsignedLoad(dst, src, f, n) : IntLoad(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char f, unsigned long count) {
+    return IntSizeGet(nullptr, kMemoryForm, f, count);
+  }
+  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
+    if (elementSize(code) == 2) {
+      const std::uint16_t disk = xor16(p, n);  // extension and exclusive or may change places
+      std::uint32_t word;
+      load(&word, &disk, code, 1);
+      return word;
+    }
+    const std::uint32_t words = xor32(p, n);
+    return isHostLayout(code) ? words : swapBytes(words);
+  }
+  static KtString toText(Memory v) { return KtString(static_cast<int>(v)); }
+  static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<int>(s)); }
+};
+using IntValue = IntFamily<std::int32_t, false>;
+using UnsignedValue = IntFamily<std::uint32_t, true>;
+struct EnumValue : IntValue {};
+
+// --- IEEE numbers: -0 equals 0, NaN everything ----------------------------------------------------------------------
+struct FloatValue : ScalarCompare<FloatValue, float> {
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return FloatStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return FloatStore(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char f, unsigned long count) {
+    return FloatSizeGet(nullptr, kMemoryForm, lowCode(f), count);
+  }
+  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
+    return xorFloats(p, n, !isHostLayout(code));
+  }
+  static KtString toText(float v) { return KtString(static_cast<double>(v)); }
+  static float fromText(const KtString& s) { return static_cast<float>(static_cast<double>(s)); }
+};
+
+struct DoubleValue : ScalarCompare<DoubleValue, double> {
+  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return DoubleStore(dst, src, f, n);
+  }
+  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
+    return DoubleStore(dst, src, f, n);
+  }
+  static unsigned long fileSize(unsigned char f, unsigned long count) {
+    return DoubleSizeGet(nullptr, kMemoryForm, lowCode(f), count);
+  }
+  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
+    return xorDoubles(p, n, !isHostLayout(code));
+  }
+  static KtString toText(double v) { return KtString(v); }
+  static double fromText(const KtString& s) { return s; }
+};
+
+// --- two compares whose rows are more than scalars -----------------------------------------------------------------
+// A 64-bit integer in two 32-bit words, the low one first in every form.
+struct Int64Words {
+  static constexpr bool kEqualBytes = true;
+  static constexpr unsigned long elementSize(unsigned char) { return 8; }
+  static constexpr bool direct(unsigned char code) { return isHostLayout(code); }
+  static long compareDirect(const unsigned char* a, const unsigned char* b) {
+    return threeWay(valueOf(readValue<std::uint32_t>(a), readValue<std::uint32_t>(a + 4)),
+                    valueOf(readValue<std::uint32_t>(b), readValue<std::uint32_t>(b + 4)));
+  }
+  static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
+    return threeWay(loadOne(code, a), loadOne(code, b));
+  }
+
+private:
+  static std::int64_t valueOf(std::uint32_t low, std::uint32_t high) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(high) << 32 | low);
+  }
+  static std::int64_t loadOne(unsigned char code, const unsigned char* p) {
+    std::uint32_t words[2] = {0, 0};
+    LongStore(words, p, code, 2);
+    return valueOf(words[0], words[1]);
+  }
+};
+
+// A boolean byte: 255 is null, the others order by the rules of KtBoolean's < and >, which are not each other's
+// opposite for bytes other than 0 and 1.
+struct BooleanByte {
+  static constexpr unsigned char kNull = 255;
+  static constexpr bool kEqualBytes = true;
+  static constexpr unsigned long elementSize(unsigned char) { return 1; }
+  static constexpr bool direct(unsigned char) { return true; }
+  static long compareDirect(const unsigned char* a, const unsigned char* b);
+  static long compareDisk(unsigned char, const unsigned char* a, const unsigned char* b) { return compareDirect(a, b); }
+};
+
+}  // namespace kt
+
+#endif

@@ -1,0 +1,270 @@
+// The type table: one row a type, in the order of the ids. The only place that knows all types.
+//
+// A family function fills what the rows of a family share; a row states what deviates. To add a type: an id in
+// kttypdsc.h, a description of one value in src/ops, a row here, samples in tests (docs/adding-a-type.md).
+#include "table/type_table.h"
+
+#include "ktstring.h"
+#include "kttypops.h"
+#include "ops/illegal_ops.h"
+#include "ops/scalar_ops.h"
+#include "ops/scalar_text.h"
+#include "ops/string_ops.h"
+
+#include <ktbs.h>
+
+#include <array>
+
+// The rows are complete as soon as the library is loaded, before any code runs; where the loader does not resolve
+// addresses in data, they are filled first thing at start.
+#if defined(_WIN32)
+#define KT_LOADED
+#else
+#define KT_LOADED constinit
+#endif
+
+namespace kt {
+namespace {
+
+// The illegal row, and the base of rows whose operations are not there yet: everything answers 0 or null.
+constexpr KtTypeDescriptor illegalRow(const char* name, unsigned short memLen, const char* format) {
+  using Ops = IllegalOps;
+  return {.Name = name,
+          .Create = Ops::create,
+          .Delete = Ops::destroy,
+          .Store = Ops::store,
+          .Load = Ops::store,
+          .NullSizeGet = Ops::nullSizeGet,
+          .SizeGet = Ops::sizeGet,
+          .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
+          .Compare = Ops::compare,
+          .EvalAndBound = Ops::evalAndBound,
+          .Hash = Ops::hash,
+          .ConvertTo = Ops::convertTo,
+          .ConvertFrom = Ops::convertFrom,
+          .Constructor = Ops::construct,
+          .Destructor = Ops::construct,
+          .Assignment = Ops::assign,
+          .Copy = Ops::assign,
+          .Translate = Ops::translate,
+          .IsNull = Ops::isNull,
+          .SetNull = nullptr,
+          .Format = format,
+          .PrintToKtString = Ops::print,
+          .ScanFromKtString = Ops::scan,
+          .MemLen = memLen,
+          .IsFixed = 1,
+          .DefaultValue = Ops::defaultValue,
+          .Reserved = nullptr};
+}
+
+enum class Null { kNo, kYes };
+enum class Length { kFixed, kVariable };
+
+// A row whose type is not built yet: name, lengths and format are final, the operations borrowed.
+constexpr KtTypeDescriptor borrowedRow(const char* name, unsigned short memLen, const char* format, Null null,
+                                       Length length = Length::kFixed) {
+  KtTypeDescriptor row = illegalRow(name, memLen, format);
+  if (null == Null::kYes) row.SetNull = IllegalOps::setNullNotApplicable;
+  row.IsFixed = length == Length::kFixed;
+  return row;
+}
+
+// The base library's helpers of one width. Functions, because the addresses of another library's functions are known to
+// the compiler on some platforms and only to the loader on others.
+struct Helpers {
+  KtStoreFunc store;
+  KtLoadFunc load;
+  KtNullSizeGetFunc nullSizeGet;
+  KtSizeGetFunc sizeGet;
+};
+
+struct TextForm {
+  const char* format;
+  KtPrintToKtStringFunc print;
+  KtScanFromKtStringFunc scan;
+};
+
+// A plain scalar. V describes one value; the other descriptions that differ are given beside it.
+template <class V>
+constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtTypeCmpFunc compare,
+                                     const Helpers& helpers) {
+  using Ops = ScalarOps<V>;
+  return {.Name = name,
+          .Create = Ops::create,
+          .Delete = Ops::destroy,
+          .Store = helpers.store,
+          .Load = helpers.load,
+          .NullSizeGet = helpers.nullSizeGet,
+          .SizeGet = helpers.sizeGet,
+          .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
+          .Compare = compare,
+          .EvalAndBound = IllegalOps::evalAndBound,
+          .Hash = Ops::hash,
+          .ConvertTo = Ops::convertTo,
+          .ConvertFrom = Ops::convertFrom,
+          .Constructor = Ops::construct,
+          .Destructor = Ops::destruct,
+          .Assignment = Ops::assign,
+          .Copy = Ops::assign,
+          .Translate = Ops::translate,
+          .IsNull = neverNull,
+          .SetNull = nullptr,
+          .Format = text.format,
+          .PrintToKtString = text.print,
+          .ScanFromKtString = text.scan,
+          .MemLen = sizeof(typename V::Memory),
+          .IsFixed = 1,
+          .DefaultValue = Ops::defaultValue,
+          .Reserved = nullptr};
+}
+
+// A row that shares all operations of `base` but for its unsigned order and hash.
+constexpr KtTypeDescriptor unsignedTwin(KtTypeDescriptor base, const char* name, const char* format,
+                                        KtTypeCmpFunc compare, KtHashFunc hash) {
+  base.Name = name;
+  base.Format = format;
+  base.Compare = compare;
+  base.Hash = hash;
+  return base;
+}
+
+constexpr Helpers charHelpers() { return {CharStore, CharStore, CharNullSizeGet, CharSizeGet}; }
+constexpr Helpers shortHelpers() { return {ShortStore, ShortStore, ShortNullSizeGet, ShortSizeGet}; }
+constexpr Helpers longHelpers() { return {LongStore, LongStore, LongNullSizeGet, LongSizeGet}; }
+constexpr Helpers doubleHelpers() { return {DoubleStore, DoubleStore, DoubleNullSizeGet, DoubleSizeGet}; }
+constexpr Helpers floatHelpers() { return {FloatStore, FloatStore, FloatNullSizeGet, FloatSizeGet}; }
+constexpr Helpers intHelpers() { return {IntStore, IntLoad, IntNullSizeGet, IntSizeGet}; }
+constexpr Helpers unsignedHelpers() { return {UnsignedStore, UnsignedLoad, IntNullSizeGet, IntSizeGet}; }
+
+constexpr KtTypeDescriptor charRow() {
+  return scalarRow<CharValue>("char", {"%c", printChars, scanChars}, CharCompare, charHelpers());
+}
+constexpr KtTypeDescriptor shortRow() {
+  return scalarRow<ShortValue>("short", {"%hd", printShort, scanShort}, ShortCompare, shortHelpers());
+}
+constexpr KtTypeDescriptor longRow() {
+  return scalarRow<LongValue>("long", {"%ld", printLong, scanLong}, LongCompare, longHelpers());
+}
+constexpr KtTypeDescriptor dwordRow(const char* name, const char* format) {
+  return unsignedTwin(longRow(), name, format, DwordCompare, ScalarOps<DwordValue>::hash);
+}
+constexpr KtTypeDescriptor intRow() {
+  return scalarRow<IntValue>("int", {"%d", printLong, scanLong}, IntCompare, intHelpers());
+}
+
+constexpr KtTypeDescriptor unsignedRow() {
+  KtTypeDescriptor row = unsignedTwin(intRow(), "unsigned", "%u", UnsignedCompare, ScalarOps<UnsignedValue>::hash);
+  row.Store = unsignedHelpers().store;
+  row.Load = unsignedHelpers().load;
+  row.Translate = ScalarOps<UnsignedValue>::translate;
+  return row;
+}
+
+constexpr KtTypeDescriptor enumRow() {
+  KtTypeDescriptor row = intRow();
+  row.Name = "enum";
+  row.Translate = ScalarOps<EnumValue>::translate;
+  return row;
+}
+
+// A string type. Ops: StringOps or one of its kin (string_ops.h).
+template <class Ops>
+constexpr KtTypeDescriptor stringRow(const char* name) {
+  return {.Name = name,
+          .Create = Ops::create,
+          .Delete = Ops::destroy,
+          .Store = Ops::store,
+          .Load = Ops::load,
+          .NullSizeGet = Ops::nullSizeGet,
+          .SizeGet = Ops::sizeGet,
+          .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
+          .Compare = Ops::compare,
+          .EvalAndBound = Ops::evalAndBound,
+          .Hash = Ops::hash,
+          .ConvertTo = Ops::convertTo,
+          .ConvertFrom = Ops::convertFrom,
+          .Constructor = Ops::construct,
+          .Destructor = Ops::destruct,
+          .Assignment = Ops::assign,
+          .Copy = Ops::copy,
+          .Translate = Ops::translate,
+          .IsNull = Ops::isNull,
+          .SetNull = Ops::kSetNull,
+          .Format = "%s",
+          .PrintToKtString = Ops::print,
+          .ScanFromKtString = Ops::scan,
+          .MemLen = sizeof(KtString),
+          .IsFixed = 0,
+          .DefaultValue = Ops::defaultValue,
+          .Reserved = nullptr};
+}
+
+// The rows by id. Their Compare, Format, PrintToKtString and ScanFromKtString can be exchanged at run time.
+KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
+    /*  0 */ charRow(),
+    /*  1 */ shortRow(),
+    /*  2 */ longRow(),
+    /*  3 */ scalarRow<DoubleValue>("double", {"%lf", printDouble, scanDouble}, DoubleCompare, doubleHelpers()),
+    /*  4 */ scalarRow<FloatValue>("float", {"%f", printFloat, scanFloat}, FloatCompare, floatHelpers()),
+    /*  5 */ unsignedTwin(shortRow(), "KtWord", "%hu", WordCompare, ScalarOps<WordValue>::hash),
+    /*  6 */ dwordRow("KtDWord", "%lu"),
+    /*  7 */ intRow(),
+    /*  8 */ unsignedRow(),
+    /*  9 */ enumRow(),
+    /* 10 */ unsignedTwin(charRow(), "KtByte", "%c", ByteCompare, ScalarOps<ByteValue>::hash),
+    /* 11 */ stringRow<StringOps>("KtString"),
+    /* 12 */ borrowedRow("KtDate", 4, "%a %e.%b %Y", Null::kYes),
+    /* 13 */ borrowedRow("KtTime", 3, "%I:%M:%S %p", Null::kYes),
+    /* 14 */ dwordRow("BlockId", "#%lu"),
+    /* 15 */ borrowedRow("KtObjId", 12, "(%H-%L#%B)", Null::kYes),
+    /* 16 */ borrowedRow("KtClassId", 4, "(%Cv%V)", Null::kYes),
+    /* 17 */ borrowedRow("KtRef", 20, "(%D:%H-%L#%B, %C)", Null::kYes),
+    /* 18 */ borrowedRow("KtBlob", sizeof(void*), "[BLOB,len=%L]", Null::kYes, Length::kVariable),
+    /* 19 */ borrowedRow("KtDateTime", 8, "%a %e.%b %Y %I:%M:%S %p", Null::kYes),
+    /* 20 */ stringRow<IStringOps>("KtIString"),
+    /* 21 */ stringRow<CaseIStringOps>("KtCaseIString"),
+    /* 22 */ borrowedRow("d_Date", 4, "%a %b %e", Null::kNo),
+    /* 23 */ borrowedRow("d_Time", 6, "%I:%M:%S %p", Null::kNo),
+    /* 24 */ borrowedRow("d_Timestamp", 10, "%a %b %e %I:%M:%S %p", Null::kNo),
+    /* 25 */ borrowedRow("d_Interval", 4, "%e days, %I hours, %M minutes, %S seconds", Null::kNo),
+    /* 26 */ borrowedRow("KtInt64", 8, "%S", Null::kNo),
+    /* 27 */ borrowedRow("KtBoolean", 1, "noop", Null::kYes),
+    /* 28 */ borrowedRow("KtNull_char", 2, "%c", Null::kYes),
+    /* 29 */ borrowedRow("KtNull_uchar", 2, "%c", Null::kYes),
+    /* 30 */ borrowedRow("KtNull_short", 4, "%hd", Null::kYes),
+    /* 31 */ borrowedRow("KtNull_ushort", 4, "%hu", Null::kYes),
+    /* 32 */ borrowedRow("KtNull_int", 8, "%d", Null::kYes),
+    /* 33 */ borrowedRow("KtNull_unsigned", 8, "%u", Null::kYes),
+    /* 34 */ borrowedRow("KtNull_long", 8, "%ld", Null::kYes),
+    /* 35 */ borrowedRow("KtNull_ulong", 8, "%lu", Null::kYes),
+    /* 36 */ borrowedRow("KtNull_float", 8, "%f", Null::kYes),
+    /* 37 */ borrowedRow("KtNull_double", 16, "%lf", Null::kYes),
+    /* 38 */ borrowedRow("KtNull_KtInt64", 12, "%S", Null::kYes),
+    /* 39 */ borrowedRow("KtSeal", 6, "noop", Null::kNo),
+    /* 40 */ illegalRow("illegal", 0, "illegal"),
+};
+
+// The legacy table's own string row: the older disk form, and no null value.
+KT_LOADED KtTypeDescriptor legacyStringRow = stringRow<LegacyStringOps>("KtString");
+
+// Every value of an id byte leads to a row: no check stands between an id and its operation.
+using IdMap = std::array<KtTypeDescriptor*, 256>;
+
+constexpr IdMap mapIds(int count, KtTypeDescriptor* stringRow) {
+  IdMap map{};
+  for (int id = 0; id < 256; ++id) map[static_cast<unsigned>(id)] = &rows[id < count ? id : KT_ID_illegal];
+  map[KT_ID_KtString] = stringRow;
+  return map;
+}
+
+constexpr IdMap currentTable = mapIds(KtTYPE_COUNT, &rows[KT_ID_KtString]);
+constexpr IdMap legacyTable = mapIds(KtLEGACY_TYPE_COUNT, &legacyStringRow);
+
+}  // namespace
+
+TypeTable currentTypeTable() { return currentTable.data(); }
+TypeTable legacyTypeTable() { return legacyTable.data(); }
+int typeCount(TypeTable table) { return table == currentTable.data() ? KtTYPE_COUNT : KtLEGACY_TYPE_COUNT; }
+
+}  // namespace kt

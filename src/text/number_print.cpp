@@ -1,0 +1,339 @@
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "text/number_format.h"
+#include "text/number_spec.h"
+
+namespace kt {
+namespace {
+
+class Appender {
+public:
+  explicit Appender(NumberText& out) : out_(out) { out_.length = 0; }
+
+  unsigned room() const { return NumberText::kCapacity - out_.length; }
+  char* end() { return out_.text + out_.length; }
+  void advanceTo(const char* end) { out_.length = static_cast<unsigned>(end - out_.text); }
+  void append(char c) {
+    if (room() > 0) out_.text[out_.length++] = c;
+  }
+  void append(const char* from, std::size_t count) {
+    const unsigned kept = count < room() ? static_cast<unsigned>(count) : room();
+    std::memcpy(end(), from, kept);
+    out_.length += kept;
+  }
+  void fill(char c, int count) {
+    if (count <= 0) return;
+    const unsigned kept = static_cast<unsigned>(count) < room() ? static_cast<unsigned>(count) : room();
+    std::memset(end(), c, kept);
+    out_.length += kept;
+  }
+
+private:
+  NumberText& out_;
+};
+
+// A converted number in the order in which its pieces are written. Zeros are counted, never stored.
+struct Pieces {
+  const char* digits;
+  int digitCount;
+  int zerosBefore = 0;    // of an integer's precision
+  int zerosBehind = 0;    // of a real's precision, beyond the digits that can differ from 0
+  const char* tail = "";  // a real's exponent
+  int tailCount = 0;
+  bool zeroPad = false;  // the width is filled with zeros, behind the prefix
+  int prefixCount = 0;
+  char prefix[3] = {};  // sign, 0x
+
+  void addPrefix(char c) { prefix[prefixCount++] = c; }
+  void addSign(bool negative, const NumberSpec& spec) {
+    if (negative) {
+      addPrefix('-');
+    } else if (spec.has(NumberSpec::kPlus)) {
+      addPrefix('+');
+    } else if (spec.has(NumberSpec::kBlank)) {
+      addPrefix(' ');
+    }
+  }
+};
+
+void appendPieces(Appender& out, const NumberSpec& spec, const Pieces& p) {
+  const int pad = spec.width - (p.prefixCount + p.zerosBefore + p.digitCount + p.zerosBehind + p.tailCount);
+  const bool left = spec.has(NumberSpec::kLeft);
+  const bool zeros = p.zeroPad && !left;
+  if (!left && !zeros) out.fill(' ', pad);
+  out.append(p.prefix, static_cast<std::size_t>(p.prefixCount));
+  if (zeros) out.fill('0', pad);
+  out.fill('0', p.zerosBefore);
+  out.append(p.digits, static_cast<std::size_t>(p.digitCount));
+  out.fill('0', p.zerosBehind);
+  out.append(p.tail, static_cast<std::size_t>(p.tailCount));
+  if (left) out.fill(' ', pad);
+}
+
+void upperCase(char* at, const char* end) {
+  for (; at != end; ++at) {
+    if (*at >= 'a' && *at <= 'z') *at = static_cast<char>(*at - 0x20);
+  }
+}
+
+int baseOf(char conversion) {
+  switch (conversion) {
+    case 'o': return 8;
+    case 'x':
+    case 'X': return 16;
+    default: return 10;
+  }
+}
+
+void appendCharacter(Appender& out, const NumberSpec& spec, std::uint32_t value) {
+  const char c = static_cast<char>(static_cast<unsigned char>(value));
+  Pieces pieces{.digits = &c, .digitCount = 1};
+  appendPieces(out, spec, pieces);
+}
+
+void appendFormattedInteger(Appender& out, const NumberSpec& spec, bool negative, std::uint32_t magnitude) {
+  char digits[16];
+  char* const end = std::to_chars(digits, digits + sizeof digits, magnitude, baseOf(spec.conversion)).ptr;
+  if (spec.conversion == 'X') upperCase(digits, end);
+  Pieces pieces{.digits = digits, .digitCount = static_cast<int>(end - digits)};
+  if (magnitude == 0 && spec.precision == 0) pieces.digitCount = 0;
+  if (spec.precision > pieces.digitCount) pieces.zerosBefore = spec.precision - pieces.digitCount;
+  pieces.zeroPad = spec.has(NumberSpec::kZero) && spec.precision < 0;
+  if (isSignedConversion(spec.conversion)) pieces.addSign(negative, spec);
+  if (spec.has(NumberSpec::kAlternate)) {
+    if (spec.conversion == 'o' && pieces.zerosBefore == 0 && (magnitude != 0 || pieces.digitCount == 0)) {
+      pieces.zerosBefore = 1;
+    } else if (baseOf(spec.conversion) == 16 && magnitude != 0) {
+      pieces.addPrefix('0');
+      pieces.addPrefix(spec.conversion);
+    }
+  }
+  appendPieces(out, spec, pieces);
+}
+
+// Eight digits, one a byte, the first in the lowest: halves of four digits, then pairs, then single digits.
+std::uint64_t eightDigits(std::uint32_t value) {
+  const std::uint64_t fours = value / 10000 | static_cast<std::uint64_t>(value % 10000) << 32;
+  const std::uint64_t hundreds = fours * 10486 >> 20 & 0x0000007F'0000007F;  // each four / 100
+  const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
+  const std::uint64_t tens = pairs * 103 >> 10 & 0x000F000F'000F000F;  // each pair / 10
+  return tens | (pairs - tens * 10) << 8;
+}
+
+void storeLowByteFirst(char* to, std::uint64_t bytes) {
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(to, &bytes, sizeof bytes);
+  } else {
+    for (int i = 0; i < 8; ++i) to[i] = static_cast<char>(bytes >> 8 * i & 0xFF);
+  }
+}
+
+// Writes up to kDecimalRoom bytes at `to`; returns the end of the number.
+constexpr unsigned kDecimalRoom = 16;
+constexpr std::uint64_t kZeroDigits = 0x30303030'30303030;
+char* writeDecimal(char* to, std::uint32_t value) {
+  constexpr std::uint32_t kEightDigits = 100000000;
+  if (value >= kEightDigits) {
+    char* const rest = writeDecimal(to, value / kEightDigits);
+    storeLowByteFirst(rest, eightDigits(value % kEightDigits) + kZeroDigits);
+    return rest + 8;
+  }
+  const std::uint64_t digits = eightDigits(value);
+  const int leadingZeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;  // the last digit stays
+  storeLowByteFirst(to, (digits + kZeroDigits) >> 8 * leadingZeros);
+  return to + 8 - leadingZeros;
+}
+
+void appendInteger(Appender& out, const NumberSpec& spec, std::int32_t value) {
+  if (spec.conversion == 'c') return appendCharacter(out, spec, static_cast<std::uint32_t>(value));
+  const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
+  const bool negative = isSignedConversion(spec.conversion) && (bits >> 31) != 0;
+  const std::uint32_t magnitude = negative ? 0 - bits : bits;
+  const bool plain = spec.plain && baseOf(spec.conversion) == 10;
+  if (!plain || out.room() <= kDecimalRoom) return appendFormattedInteger(out, spec, negative, magnitude);
+  if (negative) out.append('-');
+  out.advanceTo(writeDecimal(out.end(), magnitude));
+}
+
+// Every decimal digit of a double that can differ from 0 stands within this many digits of the point.
+constexpr int kExactDigits = 1100;
+// 309 digits before the point, the point, the exponent.
+constexpr int kRealText = kExactDigits + 330;
+
+struct RealText {
+  char text[kRealText];
+  char* end;
+
+  template <class... Precision>
+  void convert(double magnitude, std::chars_format format, Precision... precision) {
+    end = std::to_chars(text, text + kRealText - 1, magnitude, format, precision...).ptr;
+  }
+  // The exponent with its letter, or the end.
+  char* exponent() {
+    char* const found = static_cast<char*>(std::memchr(text, 'e', static_cast<std::size_t>(end - text)));
+    return found == nullptr ? end : found;
+  }
+  // Makes room for a point behind the mantissa `text` to `at`.
+  void insertPoint(char* at) {
+    std::memmove(at + 1, at, static_cast<std::size_t>(end - at));
+    *at = '.';
+    ++end;
+  }
+};
+
+// '#' with %g keeps the zeros that %g drops, so that the form %g would take is written by %e or %f instead.
+char replaceGeneral(double magnitude, int& precision) {
+  if (precision == 0) precision = 1;
+  char text[kRealText];
+  const int digits = precision < kExactDigits ? precision : kExactDigits;
+  const char* const end =
+      std::to_chars(text, text + kRealText, magnitude, std::chars_format::scientific, digits - 1).ptr;
+  const char* at = end;
+  while (at[-1] != 'e') --at;
+  int exponent = 0;
+  std::from_chars(*at == '+' ? at + 1 : at, end, exponent);
+  const bool fixed = exponent >= -4 && exponent < precision;
+  precision -= fixed ? 1 + exponent : 1;
+  return fixed ? 'f' : 'e';
+}
+
+// Returns the zeros that the precision asks for beyond the digits written.
+int convertDecimal(RealText& text, double magnitude, char kind, int precision) {
+  const int written = precision < kExactDigits ? precision : kExactDigits;
+  switch (kind) {
+    case 'f': text.convert(magnitude, std::chars_format::fixed, written); return precision - written;
+    case 'e': text.convert(magnitude, std::chars_format::scientific, written); return precision - written;
+    default: text.convert(magnitude, std::chars_format::general, written); return 0;
+  }
+}
+
+int convertHex(RealText& text, double magnitude, int precision) {
+  constexpr int kFractionDigits = 13;
+  if (precision < 0) {
+    text.convert(magnitude, std::chars_format::hex);
+    return 0;
+  }
+  const int written = precision < kFractionDigits ? precision : kFractionDigits;
+  text.convert(magnitude, std::chars_format::hex, written);
+  return precision - written;
+}
+
+void appendSpecial(Appender& out, const NumberSpec& spec, double value) {
+  const bool upper = spec.conversion < 'a';
+  const char* const word = std::isnan(value) ? (upper ? "NAN" : "nan") : (upper ? "INF" : "inf");
+  Pieces pieces{.digits = word, .digitCount = 3};
+  pieces.addSign(std::signbit(value), spec);
+  appendPieces(out, spec, pieces);
+}
+
+void appendReal(Appender& out, const NumberSpec& spec, double value) {
+  if (!std::isfinite(value)) return appendSpecial(out, spec, value);
+  const bool upper = spec.conversion < 'a';
+  char kind = static_cast<char>(spec.conversion | 0x20);
+  const double magnitude = std::fabs(value);
+  int precision = spec.precision;
+  if (precision < 0 && kind != 'a') precision = 6;
+  if (kind == 'g' && spec.has(NumberSpec::kAlternate)) kind = replaceGeneral(magnitude, precision);
+
+  RealText text;
+  const int zeros =
+      kind == 'a' ? convertHex(text, magnitude, precision) : convertDecimal(text, magnitude, kind, precision);
+  char* mantissaEnd = text.end;
+  if (kind == 'a') {
+    mantissaEnd = static_cast<char*>(std::memchr(text.text, 'p', static_cast<std::size_t>(text.end - text.text)));
+  } else if (zeros > 0 || spec.has(NumberSpec::kAlternate)) {
+    mantissaEnd = text.exponent();
+  }
+  if (spec.has(NumberSpec::kAlternate) &&
+      std::memchr(text.text, '.', static_cast<std::size_t>(mantissaEnd - text.text)) == nullptr) {
+    text.insertPoint(mantissaEnd++);
+  }
+  if (upper) upperCase(text.text, text.end);
+
+  Pieces pieces{.digits = text.text, .digitCount = static_cast<int>(mantissaEnd - text.text)};
+  pieces.zerosBehind = zeros;
+  pieces.tail = mantissaEnd;
+  pieces.tailCount = static_cast<int>(text.end - mantissaEnd);
+  pieces.zeroPad = spec.has(NumberSpec::kZero);
+  pieces.addSign(std::signbit(value), spec);
+  if (kind == 'a') {
+    pieces.addPrefix('0');
+    pieces.addPrefix(upper ? 'X' : 'x');
+  }
+  appendPieces(out, spec, pieces);
+}
+
+// Walks the format. convert(spec) writes a conversion and returns true, or declines it: then it is literal text.
+template <class Convert>
+void printFormat(NumberText& text, Appender& out, const char* format, Convert convert) {
+  while (*format != '\0') {
+    if (*format != '%') {
+      out.append(*format++);
+    } else if (format[1] == '%') {
+      out.append('%');
+      format += 2;
+    } else {
+      const NumberSpec spec = parseNumberSpec(format + 1, true);
+      if (!convert(spec)) out.append(format, static_cast<std::size_t>(spec.end - format));
+      format = spec.end;
+    }
+  }
+  text.text[text.length] = '\0';
+}
+
+void printReal(NumberText& text, const char* format, double value) {
+  Appender out(text);
+  bool done = false;
+  printFormat(text, out, format, [&](const NumberSpec& spec) {
+    if (done || !isRealConversion(spec.conversion)) return false;
+    appendReal(out, spec, value);
+    return done = true;
+  });
+}
+
+void printMantissaExponent(NumberText& text, const char* format, double value) {
+  Appender out(text);
+  int exponent = 0;
+  const double mantissa = std::isfinite(value) ? std::frexp(value, &exponent) : value;
+  int done = 0;
+  printFormat(text, out, format, [&](const NumberSpec& spec) {
+    const bool fits = done == 0 ? isRealConversion(spec.conversion) : done == 1 && isIntegerConversion(spec.conversion);
+    if (!fits) return false;
+    if (done++ == 0) {
+      appendReal(out, spec, mantissa);
+    } else {
+      appendInteger(out, spec, exponent);
+    }
+    return true;
+  });
+}
+
+}  // namespace
+
+void printInteger(NumberText& out, const char* format, std::int32_t value) {
+  Appender appender(out);
+  bool done = false;
+  bool ended = false;
+  printFormat(out, appender, format, [&](const NumberSpec& spec) {
+    if (done || !isIntegerConversion(spec.conversion)) return false;
+    appendInteger(appender, spec, value);
+    ended = spec.conversion == 'c' && (value & 0xFF) == 0;
+    return done = true;
+  });
+  if (ended) out.length = static_cast<unsigned>(std::strlen(out.text));
+}
+
+void printFloat(NumberText& out, const char* format, float value) {
+  printReal(out, format, static_cast<double>(value));
+}
+
+void printDouble(NumberText& out, const char* format, double value) {
+  if (isMantissaExponentFormat(format)) return printMantissaExponent(out, format, value);
+  printReal(out, format, value);
+}
+
+}  // namespace kt

@@ -1,0 +1,221 @@
+// order_cursor.h - the characters of a text as collation keys, the way every comparison, hash and index key reads them.
+//
+// A weight is the 32-bit collation key of one character: the kind in the top byte, then the order; a letter's case
+// (bits 5-6) and diacritic (bits 0-4) stand in the low byte, so that masks select the level of a comparison. Weights
+// come from tables that are built once per code set and kind, in static storage, and read without locks.
+#ifndef KT_ORDER_CURSOR_H
+#define KT_ORDER_CURSOR_H
+
+#include <ktin.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+
+namespace kt {
+
+// A text that somebody else owns: in memory up to its terminator, or in a disk record, which has none.
+struct TextRef {
+  static constexpr unsigned long kToTerminator = 0xFFFFFFFFul;
+
+  const char* text = nullptr;                 // may be unaligned; null is an empty text
+  unsigned long limit = kToTerminator;        // characters that are readable; a zero character ends the text before
+  unsigned char codeSet = 1;                  // 0 the native set, 255 the default 8-bit set
+  unsigned char language = 0;                 // 255 the default language
+  unsigned char flag = 1;                     // order of 16-bit characters: 1, 8, 255 host; 2 big-endian; else little
+
+  // Language 254 makes a null value, and so does code set 254 with language 0.
+  bool isNull() const { return language == 254 || (codeSet == 254 && language == 0); }
+};
+
+using Weight = std::uint32_t;
+
+constexpr Weight kSeveralOrders = 1;  // stands in a page for a character with more than one order; no key is 1
+constexpr unsigned kFirstTextOrder = 80;            // ignorable orders: spaces and controls below, symbols from here
+constexpr unsigned kFirstSignificantOrder = 16128;  // digits, then letters
+
+// DISK: index keys consist of these numbers.
+constexpr Weight collationKey(unsigned order, unsigned kind) {
+  if (order == 0) return 0;
+  const bool plain = kind == KtUnicodeProps::kIdeographicKind || (order & 0xC000u) != 0x4000u;
+  return kind << 24 | (plain ? order << 8 : (order & 0x407Fu) << 8 | (order >> 7 & 127u));
+}
+
+// Weights below this are ignorable, or 0, the end of the text.
+constexpr Weight firstSignificant(unsigned kind) {
+  return kind < KtUnicodeProps::kIdeographicKind ? kind << 24 | kFirstSignificantOrder << 8 : 1;
+}
+
+// The order of an ignorable weight.
+constexpr int ignorableOrder(Weight weight) { return static_cast<int>(weight >> 8 & 0xFFFFu); }
+
+constexpr Weight kLevelMask = 127;      // case and diacritic
+constexpr Weight kDiacriticMask = 31;
+constexpr Weight kCaseMask = 96;
+
+// Keys stay below 2^31, so that their difference is a signed 32-bit number.
+constexpr std::int32_t keyDifference(Weight a, Weight b) { return static_cast<std::int32_t>(a - b); }
+
+// --- tables -------------------------------------------------------------------------------------------------------
+
+// Character c of a 16-bit set has the weight page[c >> 8].weights[c & 255] + page[c >> 8].offset.
+struct WeightPage {
+  const Weight* weights;
+  Weight offset;
+};
+
+constexpr unsigned kKindSlots = 5;  // kinds 1 to 4, and kind 20 in slot 0
+constexpr unsigned kindSlot(unsigned kind) { return kind < kKindSlots ? kind : 0; }
+
+extern std::atomic<unsigned char> kindOfLanguage[256];  // 0: not asked for yet
+extern std::atomic<const Weight*> byteWeightTables[225][kKindSlots];
+extern std::atomic<const WeightPage*> weightPageTables[kKindSlots];
+
+unsigned char findCollationKind(unsigned char language);
+const Weight* buildByteWeights(unsigned char codeSet, unsigned char kind);
+const WeightPage* buildWeightPages(unsigned char kind);
+unsigned char standInCodeSet(unsigned char codeSet);
+
+inline unsigned char collationKind(unsigned char language) {
+  const unsigned char kind = kindOfLanguage[language].load(std::memory_order_relaxed);
+  return kind != 0 ? kind : findCollationKind(language);
+}
+
+// The code set whose characters a text holds: 0 and 255 are replaced by an 8-bit set, every other code stays.
+inline unsigned char storedCodeSet(unsigned char codeSet) {
+  return codeSet != 0 && codeSet != 255 ? codeSet : standInCodeSet(codeSet);
+}
+
+// codeSet: 1 to 224. 256 weights.
+inline const Weight* byteWeights(unsigned char codeSet, unsigned char kind) {
+  const Weight* table = byteWeightTables[codeSet][kindSlot(kind)].load(std::memory_order_acquire);
+  return table != nullptr ? table : buildByteWeights(codeSet, kind);
+}
+
+inline const WeightPage* weightPages(unsigned char kind) {
+  const WeightPage* table = weightPageTables[kindSlot(kind)].load(std::memory_order_acquire);
+  return table != nullptr ? table : buildWeightPages(kind);
+}
+
+// How far to rotate a 16-bit character as loaded from memory to get its number: 0 or 8 bits.
+int unitRotation(unsigned char flag);
+
+inline unsigned loadUnit(const char* text, unsigned long index, int rotation) {
+  std::uint16_t unit;
+  std::memcpy(&unit, text + index * 2, sizeof unit);
+  return static_cast<std::uint16_t>(unit << rotation | unit >> rotation);
+}
+
+// --- cursors ------------------------------------------------------------------------------------------------------
+//
+// next() gives the weight of the next order, and 0, again and again, at the end of the text: a zero character, the end
+// of what is readable, or the `length` given. Cursors are values: a copy is a saved position.
+
+class ByteCursor {
+public:
+  static constexpr unsigned long kCharSize = 1;
+
+  ByteCursor(const TextRef& ref, unsigned long length, unsigned char kind)
+      : text_(reinterpret_cast<const unsigned char*>(ref.text)),
+        limit_(ref.text != nullptr ? std::min(ref.limit, length) : 0),
+        weights_(byteWeights(storedCodeSet(ref.codeSet), kind)),
+        kind_(kind) {}
+
+  Weight next() {
+    if (position_ == limit_) return 0;
+    const Weight weight = weights_[text_[position_]];
+    position_ += weight != 0;
+    return weight;
+  }
+  void dropPending() {}
+
+  Weight significant() const { return firstSignificant(kind_); }
+  unsigned char kind() const { return kind_; }
+  unsigned long position() const { return position_; }  // characters taken
+  unsigned long limit() const { return limit_; }
+  const char* data() const { return reinterpret_cast<const char*>(text_); }
+  Weight weightAt(unsigned long index) const { return weights_[text_[index]]; }
+  void moveTo(unsigned long position) { position_ = position; }
+  // True when equal bytes on both sides are equal characters with equal weights.
+  bool sharesForm(const ByteCursor& other) const { return weights_ == other.weights_; }
+
+private:
+  const unsigned char* text_;
+  unsigned long position_ = 0;
+  unsigned long limit_;
+  const Weight* weights_;
+  unsigned char kind_;
+};
+
+class WideCursor {
+public:
+  static constexpr unsigned long kCharSize = 2;
+
+  WideCursor(const TextRef& ref, unsigned long length, unsigned char kind)
+      : text_(ref.text),
+        limit_(ref.text != nullptr ? std::min(ref.limit, length) : 0),
+        pages_(weightPages(kind)),
+        rotation_(unitRotation(ref.flag)),
+        kind_(kind) {}
+
+  Weight next() {
+    if (pendingCount_ != 0) return pending_[--pendingCount_];
+    if (position_ == limit_) return 0;
+    const Weight weight = weightAt(position_);
+    position_ += weight != 0;
+    return weight != kSeveralOrders ? weight : firstOfSeveral();
+  }
+  // Leaves a character behind of which only some orders were taken.
+  void dropPending() { pendingCount_ = 0; }
+
+  Weight significant() const { return firstSignificant(kind_); }
+  unsigned char kind() const { return kind_; }
+  unsigned long position() const { return position_; }
+  unsigned long limit() const { return limit_; }
+  const char* data() const { return text_; }
+  Weight weightAt(unsigned long index) const {
+    const unsigned unit = loadUnit(text_, index, rotation_);
+    const WeightPage& page = pages_[unit >> 8];
+    return page.weights[unit & 255] + page.offset;
+  }
+  void moveTo(unsigned long position) { position_ = position; }
+  bool sharesForm(const WideCursor& other) const { return pages_ == other.pages_ && rotation_ == other.rotation_; }
+
+private:
+  Weight firstOfSeveral();
+
+  const char* text_;
+  unsigned long position_ = 0;
+  unsigned long limit_;
+  const WeightPage* pages_;
+  int rotation_;
+  unsigned char kind_;
+  unsigned char pendingCount_ = 0;
+  Weight pending_[KtUnicodeProps::kMaxOrders];  // the next one last
+};
+
+// Calls use(cursor) with the cursor type that the text's code set asks for. length: at most that many characters.
+template <class Use>
+decltype(auto) withCursor(const TextRef& ref, unsigned long length, Use&& use) {
+  const unsigned char kind = collationKind(ref.language);
+  if (KtCodeSet::CharSizeOf(ref.codeSet) == 1 || ref.codeSet == 255) return use(ByteCursor(ref, length, kind));
+  return use(WideCursor(ref, length, kind));
+}
+
+// The same for two texts: use(cursor of a, cursor of b).
+template <class Use>
+decltype(auto) withCursors(const TextRef& a, const TextRef& b, unsigned long length, Use&& use) {
+  return withCursor(a, length, [&](auto first) -> decltype(auto) {
+    return withCursor(b, length, [&](auto second) -> decltype(auto) { return use(first, second); });
+  });
+}
+
+// A `length` argument as a number of characters; only -1 and positive lengths get here.
+constexpr unsigned long lengthLimit(short length) {
+  return length < 0 ? TextRef::kToTerminator : static_cast<unsigned long>(length);
+}
+
+}  // namespace kt
+
+#endif

@@ -1,0 +1,112 @@
+// text_units.cpp - lengths of texts, and conversion between code sets: one table access a character.
+#include "text_units.h"
+
+namespace kt {
+
+namespace {
+
+constexpr unsigned char kLatin1 = 1;
+constexpr unsigned char kUnicode = 253;
+constexpr unsigned char kDefault8 = 255;  // of an iterator
+constexpr std::uint16_t kFirstBeyondAscii = 0x80;
+
+// Does any of the four 16-bit lanes hold zero?
+constexpr bool hasZeroLane(std::uint64_t lanes) {
+  constexpr std::uint64_t kOnes = 0x0001000100010001u;
+  return ((lanes - kOnes) & ~lanes & (kOnes << 15)) != 0;
+}
+
+unsigned long wideLength(const char* text, unsigned long limit) {
+  unsigned long length = 0;
+  for (; length + 4 <= limit; length += 4) {
+    std::uint64_t lanes;
+    std::memcpy(&lanes, text + 2 * length, sizeof lanes);
+    if (hasZeroLane(lanes)) {
+      break;
+    }
+  }
+  while (length < limit && unitAt(text, length, 2) != 0) {
+    ++length;
+  }
+  return length;
+}
+
+void mapNarrow(char* target, const KtCodeSet& to, const char* source, const KtCodeSet& from, unsigned long count) {
+  const unsigned char* table = from.MapTable(to);
+  for (unsigned long i = 0; i < count; ++i) {
+    target[i] = static_cast<char>(table[static_cast<unsigned char>(source[i])]);
+  }
+}
+
+void widen(char* target, const char* source, const KtCodeSet& from, unsigned long count) {
+  const unsigned short* table = from.ToUnicodeTable();
+  for (unsigned long i = 0; i < count; ++i) {
+    putUnit(target, i, 2, table[static_cast<unsigned char>(source[i])]);
+  }
+}
+
+// Every 8-bit set holds ASCII at its own place.
+void narrow(char* target, const KtCodeSet& to, const char* source, unsigned long count, bool swap) {
+  for (unsigned long i = 0; i < count; ++i) {
+    const std::uint16_t stored = unitAt(source, i, 2);
+    const std::uint16_t unit = swap ? swapped(stored) : stored;
+    putUnit(target, i, 1, unit < kFirstBeyondAscii ? unit : to.FromUnicode(unit));
+  }
+}
+
+void copyWide(char* target, const char* source, unsigned long count, bool swap) {
+  if (!swap) {
+    std::memmove(target, source, 2 * count);
+    return;
+  }
+  for (unsigned long i = 0; i < count; ++i) {
+    putUnit(target, i, 2, swapped(unitAt(source, i, 2)));
+  }
+}
+
+}  // namespace
+
+unsigned long unitLength(const char* text, unsigned long width, unsigned long limit) {
+  if (width == 2) {
+    return wideLength(text, limit);
+  }
+  const void* zero = std::memchr(text, 0, limit);
+  return zero == nullptr ? limit : static_cast<unsigned long>(static_cast<const char*>(zero) - text);
+}
+
+unsigned long unitLength(const unsigned short* text) {
+  unsigned long length = 0;
+  while (text[length] != 0) {
+    ++length;
+  }
+  return length;
+}
+
+unsigned char narrowSet() {
+  const unsigned char code = KtLanguageContext::GetDefault8CodeSet();
+  return KtCodeSet::CharSizeOf(code) == 1 ? code : kLatin1;
+}
+
+unsigned char wideSet() {
+  const unsigned char code = KtLanguageContext::GetDefault16CodeSet();
+  return KtCodeSet::CharSizeOf(code) == 2 ? code : kUnicode;
+}
+
+const KtCodeSet& characterSet(unsigned char code) { return KtCodeSet::Get(code == kDefault8 ? narrowSet() : code); }
+
+void mapUnits(char* target, unsigned char targetCode, const char* source, unsigned char sourceCode, unsigned long count,
+              bool swap) {
+  const KtCodeSet& to = KtCodeSet::Get(targetCode);
+  const KtCodeSet& from = KtCodeSet::Get(sourceCode);
+  if (to.CharSize() == 2) {
+    from.CharSize() == 2 ? copyWide(target, source, count, swap) : widen(target, source, from, count);
+  } else if (from.CharSize() == 2) {
+    narrow(target, to, source, count, swap);
+  } else if (from.Code() == to.Code()) {
+    std::memmove(target, source, count);
+  } else {
+    mapNarrow(target, to, source, from, count);
+  }
+}
+
+}  // namespace kt

@@ -1,0 +1,112 @@
+// Text hashes against one multiplication a character.
+#include "text/str_hash.h"
+
+#include "ktstring.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// The hash of the collation keys of a Unicode text; every factor written out.
+unsigned long slowHash(const std::u16string& text, unsigned char language, std::size_t count) {
+  const unsigned char kind = KtUnicodeProps::CollationKind(language);
+  std::vector<unsigned long> keys;
+  for (const char16_t c : text) {
+    unsigned short orders[KtUnicodeProps::kMaxOrders];
+    const unsigned n = KtUnicodeProps::Orders(c, kind, orders);
+    for (unsigned i = 0; i < n; ++i) {
+      const unsigned long o = orders[i];
+      const bool letter = kind != 20 && o >= 0x4000 && o < 0x8000;
+      keys.push_back(kind * 16777216ul + (letter ? (o & 0x407F) * 256 + (o >> 7) % 128 : o * 256));
+    }
+  }
+  if (count != 0) keys.resize(count);
+  unsigned long long h = 0;
+  for (const unsigned long key : keys) h = (h * 9 + key) % 4294967296ull;
+  return static_cast<unsigned long>(h);
+}
+
+std::string stored(const std::u16string& text, unsigned char codeSet) {
+  std::string out;
+  for (const char16_t c : text) {
+    const unsigned code = KtCodeSet::Get(codeSet).FromUnicode(c);
+    if (KtCodeSet::CharSizeOf(codeSet) == 2) out += static_cast<char>(code >> 8);
+    out += static_cast<char>(code & 255);
+  }
+  return out;
+}
+
+const std::u16string kLong = u"The quick brown f\u00F6x j\u00FCmps over 13 l\u00E0zy d\u00F4gs - twice.";
+
+}  // namespace
+
+TEST(StringHash, is_the_same_in_every_code_set_and_length) {
+  for (std::size_t n = 0; n <= kLong.size(); ++n) {
+    const std::u16string text = kLong.substr(0, n);
+    for (const unsigned char language : {0, 4, 20}) {
+      const unsigned long expected = slowHash(text, language, 0);
+      for (const unsigned char set : {1, 5, 10, 253}) {
+        std::string data = stored(text, set);
+        EXPECT_EQ(kt::hashText({data.data(), n, set, language, 2}, -1), expected) << n << " set " << int{set};
+        data.append(2, '\0');
+        EXPECT_EQ(HashString(set, language, data.data(), -1, 2), expected) << n << " set " << int{set};
+      }
+    }
+  }
+}
+
+TEST(StringHash, a_positive_length_takes_that_many_orders) {
+  const std::u16string text = u"a\u9001\u00E9";  // the ideograph has two orders
+  std::string data = stored(text, 253) + std::string(2, '\0');
+  EXPECT_EQ(HashString(253, 0, data.data(), -1, 2), slowHash(text, 0, 0));
+  for (const short length : {1, 2, 3, 4, 6}) {
+    EXPECT_EQ(HashString(253, 0, data.data(), length, 2), slowHash(text, 0, static_cast<std::size_t>(length))) << length;
+  }
+  EXPECT_EQ(HashString(253, 0, data.data(), 0, 2), 0u);
+  EXPECT_EQ(HashString(253, 0, data.data(), -2, 2), 0u);
+}
+
+TEST(StringHash, special_texts) {
+  char text[] = "\xE9" "b", empty[] = "\0";
+  EXPECT_EQ(HashString(1, 254, text, -1, 1), 0xFEFE7575ul);
+  EXPECT_EQ(HashString(254, 0, text, 0, 1), 0xFEFE7575ul);
+  EXPECT_EQ(HashString(1, 0, empty, -1, 1), 0ul);
+  EXPECT_EQ(HashString(0, 0, text, -1, 1), 0xE9ul * 9 + 'b') << "code set 0: unsigned bytes";
+  EXPECT_EQ(HashString(0, 0, text, 1, 1), 0xE9ul);
+  EXPECT_EQ(HashString(255, 0, text, -1, 1), HashString(KtLanguageContext::GetDefault8CodeSet(), 0, text, -1, 1));
+}
+
+TEST(StringHash, of_string_objects_takes_stored_characters) {
+  KtString s("\xE9");
+  EXPECT_EQ(HashKtString(s), 0xFFFFFFE9ul);
+  EXPECT_EQ(HashKtString7(s), 0x69ul);
+  EXPECT_EQ(HashKtString(KtString()), 0ul);
+
+  const std::string bytes = stored(kLong, 1);
+  unsigned expected = 0, expected7 = 0;
+  for (const char c : bytes) {
+    expected = expected * 9u + static_cast<unsigned>(static_cast<signed char>(c));
+    expected7 = expected7 * 9u + (static_cast<unsigned char>(c) & 127u);
+  }
+  EXPECT_EQ(HashKtString(KtString(bytes.c_str())), expected);
+  EXPECT_EQ(HashKtString7(KtString(bytes.c_str())), expected7);
+}
+
+TEST(StringHash, only_code_set_253_is_walked_in_units) {
+  const unsigned short units[] = {0x0141, 0x0062, 0};
+  KtString s(units);
+  s.SetCodeSetCode(253);
+  EXPECT_EQ(HashKtString(s), 0x141ul * 9 + 0x62);
+  EXPECT_EQ(HashKtString7(s), 0x41ul * 9 + 0x62);
+
+  const unsigned short inMemory[] = {0x6261, 0x6300, 0};  // bytes of either order: the second unit holds a zero
+  KtString other(inMemory);
+  other.SetCodeSetCode(240);
+  const auto* raw = reinterpret_cast<const signed char*>(inMemory);
+  unsigned expected = 0;
+  for (; *raw != 0; ++raw) expected = expected * 9u + static_cast<unsigned>(*raw);
+  EXPECT_EQ(HashKtString(other), expected);
+}
