@@ -85,6 +85,7 @@ public:
 
   // Moves to `offset` relative to the beginning, the current position or the end, and returns the address there.
   // Positions 0 to length are inside. Outside, or for any other whence: null, and the position stays.
+  // Null: without bytes the length counts as 0 and every answer is null.
   const char* Seek(long offset, int whence);
 
   unsigned long Tell() const;       // bytes from the beginning to the position
@@ -104,14 +105,14 @@ private:
 KTBS_API void KATO_assert(const char* message, const char* source, int line);
 
 using KtAssertHandler = void (*)(const char* message, const char* source, int line);
-// Returns the old handler. Null restores the default, which writes one line to stderr and goes on.
+// Returns the old handler, never null. Null restores the default, which writes one line to stderr and goes on.
 KTBS_API KtAssertHandler KtSetAssertHandler(KtAssertHandler handler);
 
 // Reports a failed allocation of `size` bytes to the memory handler and returns.
 KTBS_API void KtCallMemoryHandler(unsigned long size);
 
 using KtMemoryHandler = void (*)(unsigned long size);
-// Returns the old handler. Null restores the default, which does nothing.
+// Returns the old handler, never null. Null restores the default, which does nothing.
 KTBS_API KtMemoryHandler KtSetMemoryHandler(KtMemoryHandler handler);
 
 // ---------------------------------------------------------------------------------------------------------
@@ -124,7 +125,8 @@ public:
   KtConfig(const KtConfig&) = delete;
   KtConfig& operator=(const KtConfig&) = delete;
 
-  // The value set for exactly this key and qualifier, else `fallback`. A null qualifier is a qualifier of its own.
+  // The value set for exactly this key and qualifier, else `fallback`. A null qualifier is a qualifier of its own; a
+  // null key is never set.
   short GetShort(const char* key, const char* qualifier, short fallback) const;
   // Sets or replaces. A failed allocation calls the memory handler and leaves the configuration unchanged.
   void SetShort(const char* key, const char* qualifier, short value);
@@ -136,10 +138,10 @@ private:
 
 // The process-wide configuration: empty at load, not null. Null after SetDefaultConfig(nullptr).
 KTBS_API KtConfig* DefaultConfig();
-// Returns the old one. The caller keeps ownership of what it sets.
+// Returns the old one. The caller keeps ownership of what it sets; the one at load is never destroyed.
 KTBS_API KtConfig* SetDefaultConfig(KtConfig* config);
 
-// 1 when this release (9.5.23.262) serves a caller built against the given version, else 0: the major number must be
+// 1 when this release (9.5.23.262.0) serves a caller built against the given version, else 0: the major number must be
 // equal and (minor, build, revision, patch) must not be newer than this release. flags are reserved.
 KTBS_API int CheckKtVersionNumber(int major, int minor, int build, int revision, int patch, int flags);
 
@@ -147,8 +149,8 @@ KTBS_API int CheckKtVersionNumber(int major, int minor, int build, int revision,
 // The clock.
 // ---------------------------------------------------------------------------------------------------------
 struct KtDateRecord {
-  short year;               // the full year
-  signed char month, day;   // 1 to 12, 1 to 31
+  short year;              // the full year
+  signed char month, day;  // 1 to 12, 1 to 31
 };
 struct KtTimeRecord {
   signed char hour, minute, second;
@@ -165,11 +167,11 @@ public:
 // Returns the clock that was set (null: the system's). The caller keeps ownership.
 KTBS_API KtClock* KtSetClock(KtClock* clock);
 
-KTBS_API void bksgetdate(KtDateRecord& date);                              // local date
-KTBS_API void bksgettime(KtTimeRecord& time);                              // local time of day
-KTBS_API void bksgetsystemtime(KtTimeRecord& time, KtDateRecord& date);    // UTC, both of one reading
-KTBS_API int bksgettimezone();                                             // OffsetMinutes of the clock in use
-KTBS_API long long bksgetmilliseconds();                                   // UtcMilliseconds of the clock in use
+KTBS_API void bksgetdate(KtDateRecord& date);                            // local date
+KTBS_API void bksgettime(KtTimeRecord& time);                            // local time of day
+KTBS_API void bksgetsystemtime(KtTimeRecord& time, KtDateRecord& date);  // UTC, both of one reading
+KTBS_API int bksgettimezone();                                           // OffsetMinutes of the clock in use
+KTBS_API long long bksgetmilliseconds();                                 // UtcMilliseconds of the clock in use
 
 static_assert(sizeof(KtDateRecord) == 4 && sizeof(KtTimeRecord) == 3);
 

@@ -9,7 +9,8 @@ namespace {
 
 // Always inlined, so that it is compiled with the instructions of the clone that it stands in.
 template <class Word>
-[[gnu::always_inline]] inline unsigned long swapRun(unsigned char* dst, const unsigned char* src, unsigned long count) {
+[[gnu::always_inline]] inline unsigned long swapLoop(unsigned char* dst, const unsigned char* src,
+                                                     unsigned long count) {
   for (unsigned long i = 0; i < count; ++i) {
     Word word;
     std::memcpy(&word, src + i * sizeof(Word), sizeof(Word));
@@ -19,30 +20,40 @@ template <class Word>
   return count * sizeof(Word);
 }
 
-// Kept apart from the copies: told that both runs are one, the compiler vectorises these too.
-KT_CLONES unsigned long swapInPlace16(unsigned char* run, unsigned long count) { return swapRun<std::uint16_t>(run, run, count); }
-KT_CLONES unsigned long swapInPlace32(unsigned char* run, unsigned long count) { return swapRun<std::uint32_t>(run, run, count); }
-KT_CLONES unsigned long swapInPlace64(unsigned char* run, unsigned long count) { return swapRun<std::uint64_t>(run, run, count); }
-
 KT_CLONES unsigned long swapCopy16(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return swapRun<std::uint16_t>(dst, src, count);
+  return swapLoop<std::uint16_t>(dst, src, count);
 }
 KT_CLONES unsigned long swapCopy32(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return swapRun<std::uint32_t>(dst, src, count);
+  return swapLoop<std::uint32_t>(dst, src, count);
 }
 KT_CLONES unsigned long swapCopy64(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return swapRun<std::uint64_t>(dst, src, count);
+  return swapLoop<std::uint64_t>(dst, src, count);
+}
+
+// In place: the copies would find that their runs overlap and go value by value. Told that both are one run, the
+// compiler vectorises these too.
+KT_CLONES unsigned long swapInPlace16(unsigned char* run, unsigned long count) {
+  return swapLoop<std::uint16_t>(run, run, count);
+}
+KT_CLONES unsigned long swapInPlace32(unsigned char* run, unsigned long count) {
+  return swapLoop<std::uint32_t>(run, run, count);
+}
+KT_CLONES unsigned long swapInPlace64(unsigned char* run, unsigned long count) {
+  return swapLoop<std::uint64_t>(run, run, count);
 }
 
 }  // namespace
 
-unsigned long swapRun16(unsigned char* dst, const unsigned char* src, unsigned long count) {
+template <>
+unsigned long swapRun<std::uint16_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
   return dst == src ? swapInPlace16(dst, count) : swapCopy16(dst, src, count);
 }
-unsigned long swapRun32(unsigned char* dst, const unsigned char* src, unsigned long count) {
+template <>
+unsigned long swapRun<std::uint32_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
   return dst == src ? swapInPlace32(dst, count) : swapCopy32(dst, src, count);
 }
-unsigned long swapRun64(unsigned char* dst, const unsigned char* src, unsigned long count) {
+template <>
+unsigned long swapRun<std::uint64_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
   return dst == src ? swapInPlace64(dst, count) : swapCopy64(dst, src, count);
 }
 

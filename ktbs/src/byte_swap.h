@@ -1,4 +1,4 @@
-// byte_swap.h - copies runs of values with the bytes of each value reversed.
+// byte_swap.h - values, and runs of them, with the bytes of each value reversed.
 #ifndef KT_BYTE_SWAP_H
 #define KT_BYTE_SWAP_H
 
@@ -6,10 +6,8 @@
 
 namespace kt {
 
-// One value. Shifts, which every compiler turns into its swap instruction or a vector shuffle.
-constexpr std::uint16_t swapBytes(std::uint16_t v) {
-  return static_cast<std::uint16_t>((v << 8) | (v >> 8));
-}
+// Shifts, which compilers turn into their swap instruction or a vector shuffle.
+constexpr std::uint16_t swapBytes(std::uint16_t v) { return static_cast<std::uint16_t>((v << 8) | (v >> 8)); }
 constexpr std::uint32_t swapBytes(std::uint32_t v) {
   return (v << 24) | ((v & 0xFF00u) << 8) | ((v >> 8) & 0xFF00u) | (v >> 24);
 }
@@ -18,11 +16,16 @@ constexpr std::uint64_t swapBytes(std::uint64_t v) {
   return (low << 32) | swapBytes(static_cast<std::uint32_t>(v >> 32));
 }
 
-// Runs of `count` values. Order: dst and src may be unaligned; they are equal or do not overlap.
-// Result: the bytes written.
-unsigned long swapRun16(unsigned char* dst, const unsigned char* src, unsigned long count);
-unsigned long swapRun32(unsigned char* dst, const unsigned char* src, unsigned long count);
-unsigned long swapRun64(unsigned char* dst, const unsigned char* src, unsigned long count);
+// Copies `count` values swapped; returns the bytes written. dst and src may be unaligned; they are equal or do not
+// overlap. Word is std::uint16_t, std::uint32_t or std::uint64_t.
+template <class Word>
+unsigned long swapRun(unsigned char* dst, const unsigned char* src, unsigned long count);
+template <>
+unsigned long swapRun<std::uint16_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
+template <>
+unsigned long swapRun<std::uint32_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
+template <>
+unsigned long swapRun<std::uint64_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
 
 }  // namespace kt
 

@@ -1,120 +1,143 @@
-// typed_store.cpp - the typed stores, loads and sizes: one body a direction, the exported functions are covers.
-#include "byte_swap.h"
-#include "ktbs.h"
-#include "small_copy.h"
-
-#include <bit>
+// typed_store.cpp - the typed stores and loads: one body for all fixed widths, one for each direction of the two-byte
+// int. The exported functions are covers.
+#include <cstdint>
 #include <cstring>
-#include <type_traits>
+
+#include "byte_swap.h"
+#include "clones.h"
+#include "format_code.h"
+#include "ktbs.h"
 
 namespace {
 
 using Bytes = unsigned char*;
 using ConstBytes = const unsigned char*;
 
-// DISK: format codes in the low four bits; every code without a name is little-endian with a four-byte int.
-constexpr unsigned kLikeMemory = 1;
-constexpr unsigned kBigEndian = 2;
-constexpr unsigned kShortInt = 4;  // little-endian, two-byte int
-constexpr unsigned kMemory = 8;
-constexpr unsigned kFormatMask = 0x0F;
+// Vectors, so that a piece never passes through the stack; two registers where the machine has 16-byte ones only.
+using Piece16 [[gnu::vector_size(16)]] = std::uint8_t;
+using Piece32 [[gnu::vector_size(32)]] = std::uint8_t;
 
-// DISK: bytes of an int, and of one under code 4.
-constexpr unsigned long kIntWidth = 4;
-constexpr unsigned long kShortIntWidth = 2;
+// sizeof(Piece) to twice as many bytes, as two pieces that may overlap, both read before either is written.
+template <class Piece>
+inline void copyTwo(Bytes dst, ConstBytes src, unsigned long bytes) {
+  constexpr unsigned long kSize = sizeof(Piece);
+  Piece head, tail;
+  std::memcpy(&head, src, kSize);
+  std::memcpy(&tail, src + bytes - kSize, kSize);
+  std::memcpy(dst, &head, kSize);
+  std::memcpy(dst + bytes - kSize, &tail, kSize);
+}
 
-constexpr bool isSwapped(unsigned char format) {
-  const unsigned code = format & kFormatMask;
-  if constexpr (std::endian::native == std::endian::little) {
-    return code == kBigEndian;
-  } else {
-    return code != kBigEndian && code != kMemory && code != kLikeMemory;
+// The same with two pieces at each end: for 2 to 4 times sizeof(Piece) bytes. Always inlined, into clones too.
+template <class Piece>
+[[gnu::always_inline]] inline void copyFour(Bytes dst, ConstBytes src, unsigned long bytes) {
+  constexpr unsigned long kSize = sizeof(Piece);
+  Piece first, second, third, fourth;
+  std::memcpy(&first, src, kSize);
+  std::memcpy(&second, src + kSize, kSize);
+  std::memcpy(&third, src + bytes - 2 * kSize, kSize);
+  std::memcpy(&fourth, src + bytes - kSize, kSize);
+  std::memcpy(dst, &first, kSize);
+  std::memcpy(dst + kSize, &second, kSize);
+  std::memcpy(dst + bytes - 2 * kSize, &third, kSize);
+  std::memcpy(dst + bytes - kSize, &fourth, kSize);
+}
+
+// Out of line, so that the shorter copies need no stack frame.
+[[gnu::noinline]] unsigned long copyLong(Bytes dst, ConstBytes src, unsigned long bytes) {
+  std::memmove(dst, src, bytes);
+  return bytes;
+}
+
+KT_CLONES unsigned long copyBeyond64(Bytes dst, ConstBytes src, unsigned long bytes) {
+  if (bytes > 128) return copyLong(dst, src, bytes);
+  copyFour<Piece32>(dst, src, bytes);
+  return bytes;
+}
+
+// Returns `bytes`. dst may equal src; both may be null if bytes is 0.
+inline unsigned long copyBytes(Bytes dst, ConstBytes src, unsigned long bytes) {
+  if (bytes > 64) return copyBeyond64(dst, src, bytes);
+  if (bytes > 32) {
+    copyFour<Piece16>(dst, src, bytes);
+  } else if (bytes > 16) {
+    copyTwo<Piece16>(dst, src, bytes);
+  } else if (bytes > 8) {
+    copyTwo<std::uint64_t>(dst, src, bytes);
+  } else if (bytes > 4) {
+    copyTwo<std::uint32_t>(dst, src, bytes);
+  } else if (bytes > 2) {
+    copyTwo<std::uint16_t>(dst, src, bytes);
+  } else if (bytes > 0) {
+    copyTwo<std::uint8_t>(dst, src, bytes);
   }
+  return bytes;
 }
 
-constexpr bool isShortInt(unsigned char format) { return (format & kFormatMask) == kShortInt; }
-
-inline unsigned long swapRun(Bytes dst, ConstBytes src, unsigned long count, std::uint16_t) { return kt::swapRun16(dst, src, count); }
-inline unsigned long swapRun(Bytes dst, ConstBytes src, unsigned long count, std::uint32_t) { return kt::swapRun32(dst, src, count); }
-inline unsigned long swapRun(Bytes dst, ConstBytes src, unsigned long count, std::uint64_t) { return kt::swapRun64(dst, src, count); }
-
-template <class Word>
-inline void copyOne(void* dst, const void* src, bool swapped) {
-  Word word;
-  std::memcpy(&word, src, sizeof(Word));
-  if (swapped) word = kt::swapBytes(word);
-  std::memcpy(dst, &word, sizeof(Word));
-}
-
-// Values of one fixed width, in either direction. A product beyond unsigned long wraps; no more than the wrapped
-// number of bytes is touched.
+// Values of one width, in either direction. A product beyond unsigned long wraps, and no more than the wrapped number
+// of bytes is touched.
 template <class Word>
 inline unsigned long convertRun(void* dst, const void* src, unsigned char format, unsigned long count) {
-  const bool swapped = isSwapped(format);
+  const bool swapped = kt::isSwapped(format);
   if (count == 1) {
-    copyOne<Word>(dst, src, swapped);
+    Word word;
+    std::memcpy(&word, src, sizeof(Word));
+    if (swapped) word = kt::swapBytes(word);
+    std::memcpy(dst, &word, sizeof(Word));
     return sizeof(Word);
   }
   const unsigned long bytes = count * sizeof(Word);
-  if (!swapped) return kt::copyBytes(dst, src, bytes);
-  return swapRun(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), bytes / sizeof(Word), Word{});
+  if (!swapped) return copyBytes(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), bytes);
+  return kt::swapRun<Word>(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), bytes / sizeof(Word));
 }
 
 // To code 4: the low two bytes of each value, low byte first. Rising, which is right in place too.
-unsigned long narrowRun(void* dst, const void* src, unsigned long count) {
-  auto* out = static_cast<Bytes>(dst);
-  const auto* in = static_cast<ConstBytes>(src);
+unsigned long narrowRun(Bytes dst, ConstBytes src, unsigned long count) {
   for (unsigned long i = 0; i < count; ++i) {
     std::uint32_t value;
-    std::memcpy(&value, in + i * kIntWidth, kIntWidth);
-    out[i * kShortIntWidth] = static_cast<unsigned char>(value);
-    out[i * kShortIntWidth + 1] = static_cast<unsigned char>(value >> 8);
+    std::memcpy(&value, src + i * kt::kIntWidth, kt::kIntWidth);
+    dst[i * kt::kShortIntWidth] = static_cast<unsigned char>(value);
+    dst[i * kt::kShortIntWidth + 1] = static_cast<unsigned char>(value >> 8);
   }
-  return count * kShortIntWidth;
+  return count * kt::kShortIntWidth;
 }
 
-// From code 4: Half is signed or unsigned and decides how a value is extended. Falling, so that a value written in
-// place covers only halves that were read before.
+// From code 4: Half is signed or unsigned and decides how a value is extended. Falling, so that in place a value
+// overwrites only what was read before.
 template <class Half>
-unsigned long widenRun(void* dst, const void* src, unsigned long count) {
-  auto* out = static_cast<Bytes>(dst);
-  const auto* in = static_cast<ConstBytes>(src);
+unsigned long widenRun(Bytes dst, ConstBytes src, unsigned long count) {
   for (unsigned long i = count; i-- > 0;) {
-    const unsigned low = in[i * kShortIntWidth];
-    const unsigned high = in[i * kShortIntWidth + 1];
-    const auto value = static_cast<std::int32_t>(static_cast<Half>(low | (high << 8)));
-    std::memcpy(out + i * kIntWidth, &value, kIntWidth);
+    const unsigned low = src[i * kt::kShortIntWidth];
+    const unsigned high = src[i * kt::kShortIntWidth + 1];
+    const std::int32_t value = static_cast<Half>(low | (high << 8));
+    std::memcpy(dst + i * kt::kIntWidth, &value, kt::kIntWidth);
   }
-  return count * kShortIntWidth;
+  return count * kt::kShortIntWidth;
 }
 
-unsigned long storeInts(void* dst, const void* src, unsigned char format, unsigned long count) {
-  return isShortInt(format) ? narrowRun(dst, src, count) : convertRun<std::uint32_t>(dst, src, format, count);
+inline unsigned long storeInts(void* dst, const void* src, unsigned char format, unsigned long count) {
+  if (!kt::isShortInt(format)) return convertRun<std::uint32_t>(dst, src, format, count);
+  return narrowRun(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), count);
 }
 
 template <class Half>
-unsigned long loadInts(void* dst, const void* src, unsigned char format, unsigned long count) {
-  return isShortInt(format) ? widenRun<Half>(dst, src, count) : convertRun<std::uint32_t>(dst, src, format, count);
+inline unsigned long loadInts(void* dst, const void* src, unsigned char format, unsigned long count) {
+  if (!kt::isShortInt(format)) return convertRun<std::uint32_t>(dst, src, format, count);
+  return widenRun<Half>(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), count);
 }
 
 }  // namespace
 
 unsigned long CharStore(void* dst, const void* src, unsigned char, unsigned long count) {
-  if (count == 1) {
-    *static_cast<Bytes>(dst) = *static_cast<ConstBytes>(src);
-  } else {
-    kt::copyBytes(dst, src, count);
-  }
-  return count;
+  return copyBytes(static_cast<Bytes>(dst), static_cast<ConstBytes>(src), count);
 }
-
 unsigned long ShortStore(void* dst, const void* src, unsigned char format, unsigned long count) {
   return convertRun<std::uint16_t>(dst, src, format, count);
 }
 unsigned long LongStore(void* dst, const void* src, unsigned char format, unsigned long count) {
   return convertRun<std::uint32_t>(dst, src, format, count);
 }
-// As integers: a float register may change the bits of a signalling NaN.
+// Floating-point values move as integers: a float register may change the bits of a signalling NaN.
 unsigned long FloatStore(void* dst, const void* src, unsigned char format, unsigned long count) {
   return convertRun<std::uint32_t>(dst, src, format, count);
 }
@@ -134,19 +157,3 @@ unsigned long UnsignedStore(void* dst, const void* src, unsigned char format, un
 unsigned long UnsignedLoad(void* dst, const void* src, unsigned char format, unsigned long count) {
   return loadInts<std::uint16_t>(dst, src, format, count);
 }
-
-unsigned long CharSizeGet(const void*, unsigned char, unsigned char, unsigned long count) { return count; }
-unsigned long ShortSizeGet(const void*, unsigned char, unsigned char, unsigned long count) { return count * 2; }
-unsigned long LongSizeGet(const void*, unsigned char, unsigned char, unsigned long count) { return count * 4; }
-unsigned long FloatSizeGet(const void*, unsigned char, unsigned char, unsigned long count) { return count * 4; }
-unsigned long DoubleSizeGet(const void*, unsigned char, unsigned char, unsigned long count) { return count * 8; }
-unsigned long IntSizeGet(const void*, unsigned char, unsigned char format, unsigned long count) {
-  return count * (isShortInt(format) ? kShortIntWidth : kIntWidth);
-}
-
-unsigned long CharNullSizeGet(unsigned long count) { return count; }
-unsigned long ShortNullSizeGet(unsigned long count) { return count * 2; }
-unsigned long LongNullSizeGet(unsigned long count) { return count * 4; }
-unsigned long FloatNullSizeGet(unsigned long count) { return count * 4; }
-unsigned long DoubleNullSizeGet(unsigned long count) { return count * 8; }
-unsigned long IntNullSizeGet(unsigned long count) { return count * kIntWidth; }
