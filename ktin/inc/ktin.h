@@ -45,16 +45,19 @@ class KTIN_API KtCodeSet {
 public:
   static constexpr unsigned short kSubstitute = 0x1A;  // what a character becomes that the target set lacks
 
-  // The set that `code` stands for; never fails. The reference is valid for the life of the process.
+  // The set that `code` stands for; never fails. The reference is valid for the life of the process. Code 0 has one byte
+  // a character: a native set of 16-bit units does not stand in for it, code set 1 does then.
   static const KtCodeSet& Get(unsigned char code);
   // 1 for codes below 225, else 2.
   static constexpr unsigned short CharSizeOf(unsigned char code) { return code < 225 ? 1 : 2; }
 
-  unsigned char Code() const { return code_; }              // the resolved code, one of those listed above
+  unsigned char Code() const { return code_; }  // the resolved code, one of those listed above
   unsigned short CharSize() const { return CharSizeOf(code_); }
-  const char* Name() const { return name_; }                // "ISO 8859-1", ... "Unicode"
+  const char* Name() const { return name_; }  // "ISO 8859-1", ... "Unicode"
 
   // Characters are numbers: 0 to 255 in an 8-bit set (bits above are ignored), 0 to 65,535 in a 16-bit one.
+  // No two bytes of a set give the same character: a byte that its code page leaves undefined gives the character of its
+  // own number. Of those, only the C1 controls (128 to 159) map back.
   unsigned short ToUnicode(unsigned short ch) const;
   unsigned short FromUnicode(unsigned short unicode) const;  // kSubstitute where the set lacks it
   unsigned short ToLower(unsigned short ch) const;           // unchanged where there is no partner in the set
@@ -101,7 +104,9 @@ public:
   // 256 pages, by the high byte of the character. Kinds other than 1, 2, 3, 4, 20: those of kind 1 below 20, of 20 above.
   static const Page* OrderPages(unsigned char kind);
 
-  // All orders of one character (1 to kMaxOrders of them; 0 for character 0, which has none); returns their number.
+  // All orders of one character (1 to kMaxOrders of them; 0 for character 0, which has none); returns their number. Under
+  // the kinds below 20 a character from 0x7FFF up that has no order of its own has two, 0xFFFF and 0x8000 + (code -
+  // 0x7FFF); 0xFFFF itself, for which that overflows, has three: 0xFFFF, 0xFFFF, 0x8000.
   static unsigned short Orders(unsigned short unicode, unsigned char kind, unsigned short orders[kMaxOrders]);
   // The first order; 0 for character 0.
   static unsigned short Order(unsigned short unicode, unsigned char kind);

@@ -9,7 +9,7 @@ namespace kt {
 
 // Constant-initialised, so that loading the library does nothing. Readers of a filled table take no lock, and there is
 // no allocation that could fail.
-template <typename T, int n>
+template <typename T, int kSize>
 class BuiltOnce {
 public:
   // `fill` is called with the table, once a process; all callers must hand in the same filling.
@@ -30,7 +30,7 @@ private:
 
   static inline std::mutex mutex_;  // shared by all tables of one shape
   std::atomic<bool> ready_{false};
-  T table_[n]{};
+  T table_[kSize]{};
 };
 
 }  // namespace kt

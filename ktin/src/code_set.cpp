@@ -15,7 +15,7 @@ struct SetName {
 
 // In the order of the generated tables; Unicode, which has none, comes last.
 constexpr SetName kSetNames[kt::kEightBitSets + 1] = {
-    {1, "ISO 8859-1"},    {2, "ISO 8859-2"},    {3, "ISO 8859-5"},    {4, "ISO 8859-7"},       {5, "ISO 8859-15"},
+    {1, "ISO 8859-1"},    {2, "ISO 8859-2"},    {3, "ISO 8859-5"},    {4, "ISO 8859-7"},        {5, "ISO 8859-15"},
     {10, "Windows-1252"}, {11, "Windows-1250"}, {12, "Windows-1251"}, {kUnicodeCode, "Unicode"}};
 
 constinit kt::BuiltOnce<unsigned char, 256> mapTables[kt::kEightBitSets][kt::kEightBitSets];
@@ -94,7 +94,10 @@ unsigned short KtCodeSet::ToUpper(unsigned short ch) const {
 const unsigned char* KtCodeSet::MapTable(const KtCodeSet& target) const {
   if (toUnicode_ == nullptr || target.toUnicode_ == nullptr) return nullptr;
   return mapTables[slotOf(*this)][slotOf(target)].get([&](unsigned char* table) {
-    for (int ch = 0; ch < 256; ++ch) table[ch] = static_cast<unsigned char>(target.FromUnicode(toUnicode_[ch]));
+    // Within one set even the bytes that its code page leaves undefined stay what they are.
+    for (unsigned short ch = 0; ch < 256; ++ch) {
+      table[ch] = static_cast<unsigned char>(this == &target ? ch : target.FromUnicode(toUnicode_[ch]));
+    }
   });
 }
 

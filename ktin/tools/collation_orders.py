@@ -45,6 +45,7 @@ SIGN = "sign"  # Kelvin, Angstrom
 PRINCIPALS = {"\u00E6": "A", "\u00F0": "D", "\u0259": "E", "\u0263": "G", "\u0195": "H", "\u0131": "I", "\u0237": "J",
               "\u0138": "K", "\u1EFB": "L", "\u014B": "N", "\u0153": "O", "\u00DF": "S", "\u00FE": "T", "\u028A": "U",
               "\u01BF": "W", "\u021D": "Y", "\u0292": "Z"}
+PRINCIPAL_NAMES = {"AE": "\u00E6", "ETH": "\u00F0", "EZH": "\u0292", "OE": "\u0153", "THORN": "\u00FE"}
 NO_LETTER = "Z+"  # after z: Z's extension 3
 
 # Where a reader looks for letters whose names do not begin with their letter.
@@ -110,23 +111,29 @@ class Latin:
         return self.styled_form(self.data, char, tag, base)
 
     def form_by_name(self, char):
-        """No decomposition: the name tells the letter, and marks only where it says "with stroke" and no more."""
-        data = self.data
-        name = data.name[char]
+        """No decomposition: the name tells the letter, and a mark only where it says "with stroke" and no more."""
+        data, case = self.data, self.case(char)
         lower = data.lower.get(char, char)
         if chr(lower) in PRINCIPALS:
-            return Form(PRINCIPALS[chr(lower)], lower, case=self.case(char))
-        stem, _, rest = name.partition(" WITH ")
+            return Form(PRINCIPALS[chr(lower)], lower, case=case)
+        stem, _, rest = data.name[char].partition(" WITH ")
         words = [word for word in stem.split() if word not in FILLER_WORDS]
-        letter = ROMAN_NUMERALS.get(char) or self.letter_of(data, char, words)
-        if rest in ("", "STROKE") and len(words) == 1 and char not in data.upper or rest == "STROKE":
-            root = {"THORN": Form("T", 0xFE), "ETH": Form("D", 0xF0), "OE": Form("O", 0x153), "AE": Form("A", 0xE6),
-                    "EZH": Form("Z", 0x292)}.get(" ".join(words))
-            if root is None and len(words) == 1 and len(words[0]) == 1:
-                root = Form(letter)
-            if root and (rest or self.case(char) == SMALL_CAPITAL):
-                return root._replace(marks=(STROKE,) if rest else (), case=self.case(char))
-        return Form(letter, lower, case=self.case(char))
+        root = self.root(words)
+        if root and rest == "STROKE":
+            return root._replace(marks=(STROKE,), case=case)
+        if root and not rest and case == SMALL_CAPITAL and char not in data.upper:
+            return root._replace(case=case)
+        return Form(ROMAN_NUMERALS.get(char) or self.letter_of(data, char, words), lower, case=case)
+
+    @staticmethod
+    def root(words):
+        """The form that a name of one word, a letter's or a principal variant's, stands for."""
+        if len(words) != 1:
+            return None
+        if words[0] in PRINCIPAL_NAMES:
+            variant = PRINCIPAL_NAMES[words[0]]
+            return Form(PRINCIPALS[variant], ord(variant))
+        return Form(words[0]) if len(words[0]) == 1 else None
 
     @staticmethod
     def letter_of(data, char, words):
@@ -162,10 +169,10 @@ class Latin:
 class Placement:
     """Gives forms their (extension, diacritic); forms that differ in case only share a place."""
 
-    def __init__(self, latin):
+    def __init__(self, forms):
         self.places = {}
         self.taken = {}
-        forms = [form._replace(case=0) for form in latin.forms.values()]
+        forms = [form._replace(case=0) for form in forms]
         for rule in (self.fixed, self.beside_letter, self.own_letter):
             for form in sorted(forms, key=lambda form: form.style != SIGN and (1 if form.marks else 2)):
                 if form not in self.places:
@@ -223,52 +230,35 @@ def alphabet_index(letter):
     return 3 + ord(letter[0]) - ord("A")
 
 
-def plain_letters(data):
-    """Orders of the Latin letters under kind 1."""
-    latin = Latin(data)
-    places = Placement(latin).places
-    orders = {}
-    for char, form in latin.forms.items():
-        extension, diacritic = places[form._replace(case=0)]
-        orders[char] = letter_order(alphabet_index(form.letter), form.case, diacritic, extension)
-    return orders
-
-
-# ---- letters after z -----------------------------------------------------------------------------------------------
-
-# Kind to its own letters: lower-case character to (letter index, diacritic, extension).
-OWN_LETTERS = {1: {}, 2: {"\u00F1": (alphabet_index("N"), 5, 3)},
-               3: {"\u00E5": (29, 0, 0), "\u00E4": (30, 0, 0), "\u00F6": (31, 0, 0)},
-               4: {"\u00E6": (29, 0, 0), "\u00F8": (30, 0, 0), "\u00E5": (31, 0, 0)}}
+# Kind to its own letters: (letter, letter index, extension).
+OWN_LETTERS = {1: [], 2: [("\u00F1", alphabet_index("N"), 3)],
+               3: [("\u00E5", 29, 0), ("\u00E4", 30, 0), ("\u00F6", 31, 0)],
+               4: [("\u00E6", 29, 0), ("\u00F8", 30, 0), ("\u00E5", 31, 0)]}
 
 
 def letters(data, kind):
-    """Kind 1's orders with the kind's own letters, and what is composed from them, put in their places."""
-    orders = plain_letters(data)
-    for char, order in list(orders.items()):
-        root, mark = root_letter(data, char, OWN_LETTERS[kind])
-        if root:
-            index, diacritic, extension = OWN_LETTERS[kind][root]
-            if mark is not None:
-                diacritic = MARK_NUMBERS.get(frozenset([mark])) or mark
-            orders[char] = letter_order(index, order >> 12 & 3, diacritic, extension)
+    """Orders of the Latin letters: those of kind 1, then the kind's own letters with what is composed from them."""
+    forms = Latin(data).forms
+    places = Placement(forms.values()).places
+    orders = {}
+    for char, form in forms.items():
+        extension, diacritic = places[form._replace(case=0)]
+        orders[char] = letter_order(alphabet_index(form.letter), form.case, diacritic, extension)
+    for letter, index, extension in OWN_LETTERS[kind]:
+        own = own_forms(forms, forms[ord(letter)], keep_marks=extension != 0)
+        places = Placement(own.values()).places
+        for char, form in own.items():
+            orders[char] = letter_order(index, form.case, places[form._replace(case=0)][1], extension)
     assert len(set(orders.values())) == len(orders), kind
     return orders
 
 
-def root_letter(data, char, own):
-    """(own letter, None), (own letter, its mark or style number) or (None, None)."""
-    lower = chr(data.lower.get(char, char))
-    if lower in own:
-        return lower, FREE_MARKS[0] if data.parts[char] and len(data.parts[char]) == 1 else None
-    parts = data.parts[char]
-    if parts and data.tag[char] in ("", "<super>"):
-        base = chr(data.lower.get(parts[0], parts[0]))
-        if base in own:
-            return base, parts[1] if len(parts) == 2 else RAISED
-    if data.name[char] == "LATIN LETTER SMALL CAPITAL AE" and "\u00E6" in own:
-        return "\u00E6", None
-    return None, None
+def own_forms(forms, root, keep_marks):
+    """The forms composed from `root`, as forms of a letter that `root` is itself."""
+    return {char: form._replace(variant=0, marks=form.marks if keep_marks else form.marks[len(root.marks):])
+            for char, form in forms.items()
+            if (form.letter, form.variant) == (root.letter, root.variant)
+            and form.marks[:len(root.marks)] == root.marks}
 
 
 # ---- everything else -----------------------------------------------------------------------------------------------
