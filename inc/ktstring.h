@@ -5,6 +5,7 @@
 #include "ktchar.h"
 
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 // Result codes of string operations.
@@ -28,8 +29,9 @@ constexpr unsigned short KtCMP_DEFAULT = 65535;
 //         then taken modulo 65,536 and the text clipped to it.
 // Null:   language 254, or code set 254 with language 0. A null string behaves as an empty one in every other operation.
 // Order:  Compare and the relational operators: KtStrCmp under an operator of the bits above.
-// Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class at least as large as
-//         bufferSize, so that appending one by one costs time in proportion to the text.
+// Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class larger than bufferSize,
+//         so that appending one by one costs time in proportion to the text; it is the string's own: characters may be
+//         changed in place, but buffer and bufferSize are never assigned, nor a terminator moved.
 // Disk:   see StringStore.
 // Text:   one byte a character in code sets below 225, one 16-bit unit in host order from 225 on.
 // Status: operations that can fail answer one of the KtERR_ codes; the others leave the string unchanged.
@@ -53,9 +55,10 @@ public:
   KtString(CodeSet set, Language lang)  // the same, so that KtString(0, 1) has one meaning
       : KtString(static_cast<unsigned char>(set), static_cast<unsigned char>(lang)) {}
   KtString(const KtString& other);
-  KtString(char ch);            // default 8-bit code set; empty for 0
-  KtString(unsigned short ch);  // default 16-bit code set; empty for 0
-  KtString(const char* text);   // default 8-bit code set; empty for null
+  KtString(KtString&& other) noexcept;  // as Destruct
+  KtString(char ch);                    // default 8-bit code set; empty for 0
+  KtString(unsigned short ch);          // default 16-bit code set; empty for 0
+  KtString(const char* text);           // default 8-bit code set; empty for null
   KtString(const unsigned short* text);
   KtString(const char* text, unsigned short n);  // exactly n characters; 65535: up to the terminator
   KtString(const unsigned short* text, unsigned short n);
@@ -117,13 +120,20 @@ public:
 
   // --- change ---------------------------------------------------------------------------------------------------
   KtString& operator=(const KtString& other);
+  KtString& operator=(KtString&& other) noexcept;  // as Destruct
   KtString& operator=(const char* text);
   KtString& operator=(const unsigned short* text);
   KtString& operator+=(const KtString& other);  // converted into this code set
-  KtString& operator+=(char ch);
+  inline KtString& operator+=(char ch);
   KtString& operator+=(unsigned short ch);
   KtString& operator+=(const char* text);
   KtString& operator+=(const unsigned short* text);
+  template <class Number>
+    requires(std::is_arithmetic_v<Number> && !std::is_same_v<Number, char> && !std::is_same_v<Number, unsigned short>)
+  KtString& operator+=(Number number)  // its text, as the constructor makes it
+  {
+    return *this += KtString(number);
+  }
 
   KtString& operator<<(char x);
   KtString& operator<<(const char* x);
@@ -172,14 +182,38 @@ public:
 
   // --- the rebuild behind every edit ------------------------------------------------------------------------------
   enum class RebuildMode { kOverwrite = 1, kInsert = 2, kRebuild = 3 };
-  // source: characters in sourceCodeSet (0: this string's); positions and counts in characters; repeat > 1 writes the
-  // source's first character that often. storeFlag 255 is ordinary use; any other value is the format code of disk
-  // characters: 2 means that 16-bit source characters are big-endian, else little-endian.
+  // source: characters in sourceCodeSet, `count` of them from srcPos on (code set 0: as they stand in an 8-bit string,
+  // the native set in a 16-bit one); positions and counts in characters; repeat > 1 writes the source's first character
+  // that often. The source may lie in this string's own buffer. storeFlag 255 is ordinary use; any other value is the
+  // format code of disk characters: 2 means that 16-bit source characters are big-endian, else little-endian.
   void Rebuild(const char* source, unsigned char sourceCodeSet, unsigned long pos, unsigned long srcPos,
                unsigned long count, unsigned long repeat, RebuildMode mode, unsigned char storeFlag = 255);
+
+private:
+  KtString& Append(char ch);  // += for every case
 };
 
 static_assert(sizeof(KtString) == 2 * sizeof(void*));
+
+// Most characters are ASCII, which is alike in all code sets, and most leave the end of the text within the same 16 bytes
+// of its block; the last of these bytes is 0 when the text ends nowhere before its end. The three small fields are read
+// and written as one: a narrower access would wait longer for the one before.
+inline KtString& KtString::operator+=(char ch) {
+  struct Fields {
+    std::uint16_t size;
+    unsigned char set, language;
+  } fields;
+  char* stored = reinterpret_cast<char*>(this) + sizeof buffer;
+  std::memcpy(&fields, stored, sizeof fields);
+  const unsigned size = fields.size;
+  const bool isPlain = static_cast<signed char>(ch) > 0 && fields.set < 225;
+  if (!isPlain || size - 1u >= 65532u || (size & 15u) == 15u || buffer[size | 15u] != 0) return Append(ch);
+  buffer[size - 1u] = ch;
+  buffer[size] = 0;
+  fields.size = static_cast<std::uint16_t>(size + 1u);
+  std::memcpy(stored, &fields, sizeof fields);
+  return *this;
+}
 
 KTTM_API KtString operator+(const KtString& a, const KtString& b);  // a's code set and language
 inline KtString operator+(const KtString& a, const char* b) { return a + KtString(b); }
@@ -210,6 +244,10 @@ inline int operator<=(const KtString& a, const char* b) { return a <= KtString(b
 inline int operator<=(const char* a, const KtString& b) { return KtString(a) <= b; }
 inline int operator>=(const KtString& a, const char* b) { return a >= KtString(b); }
 inline int operator>=(const char* a, const KtString& b) { return KtString(a) >= b; }
+inline int operator==(const KtString& a, char b) { return a == KtString(b); }
+inline int operator==(char a, const KtString& b) { return KtString(a) == b; }
+inline int operator!=(const KtString& a, char b) { return a != KtString(b); }
+inline int operator!=(char a, const KtString& b) { return KtString(a) != b; }
 inline int operator==(const KtString& a, const unsigned short* b) { return a == KtString(b); }
 inline int operator==(const unsigned short* a, const KtString& b) { return KtString(a) == b; }
 inline int operator!=(const KtString& a, const unsigned short* b) { return a != KtString(b); }

@@ -39,6 +39,8 @@ std::string stored(const std::u16string& text, unsigned char codeSet) {
   return out;
 }
 
+constexpr unsigned char kCodeSets[] = {1, 5, 10, 253};
+constexpr unsigned char kLanguages[] = {0, 4, 20};  // kinds 1, 2, 20
 const std::u16string kLong = u"The quick brown f\u00F6x j\u00FCmps over 13 l\u00E0zy d\u00F4gs - twice.";
 
 }  // namespace
@@ -46,9 +48,9 @@ const std::u16string kLong = u"The quick brown f\u00F6x j\u00FCmps over 13 l\u00
 TEST(StringHash, is_the_same_in_every_code_set_and_length) {
   for (std::size_t n = 0; n <= kLong.size(); ++n) {
     const std::u16string text = kLong.substr(0, n);
-    for (const unsigned char language : {0, 4, 20}) {
+    for (const unsigned char language : kLanguages) {
       const unsigned long expected = slowHash(text, language, 0);
-      for (const unsigned char set : {1, 5, 10, 253}) {
+      for (const unsigned char set : kCodeSets) {
         std::string data = stored(text, set);
         EXPECT_EQ(kt::hashText({data.data(), n, set, language, 2}, -1), expected) << n << " set " << int{set};
         data.append(2, '\0');
@@ -62,15 +64,19 @@ TEST(StringHash, a_positive_length_takes_that_many_orders) {
   const std::u16string text = u"a\u9001\u00E9";  // the ideograph has two orders
   std::string data = stored(text, 253) + std::string(2, '\0');
   EXPECT_EQ(HashString(253, 0, data.data(), -1, 2), slowHash(text, 0, 0));
-  for (const short length : {1, 2, 3, 4, 6}) {
-    EXPECT_EQ(HashString(253, 0, data.data(), length, 2), slowHash(text, 0, static_cast<std::size_t>(length))) << length;
+  for (const short length : std::initializer_list<short>{1, 2, 3, 4, 6}) {
+    EXPECT_EQ(HashString(253, 0, data.data(), length, 2), slowHash(text, 0, static_cast<std::size_t>(length)))
+        << length;
   }
   EXPECT_EQ(HashString(253, 0, data.data(), 0, 2), 0u);
   EXPECT_EQ(HashString(253, 0, data.data(), -2, 2), 0u);
 }
 
 TEST(StringHash, special_texts) {
-  char text[] = "\xE9" "b", empty[] = "\0";
+  char text[] =
+      "\xE9"
+      "b",
+       empty[] = "\0";
   EXPECT_EQ(HashString(1, 254, text, -1, 1), 0xFEFE7575ul);
   EXPECT_EQ(HashString(254, 0, text, 0, 1), 0xFEFE7575ul);
   EXPECT_EQ(HashString(1, 0, empty, -1, 1), 0ul);

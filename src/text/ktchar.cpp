@@ -10,7 +10,8 @@ constexpr unsigned char kAlphabeticKind = 1;
 constexpr unsigned short kFirstVisibleOrder = 80;  // below: spaces, separators, controls, the end of a text
 
 unsigned char kindOf(unsigned char language) {
-  return KtUnicodeProps::CollationKind(language == kDefaultLanguage ? KtLanguageContext::GetDefaultLanguage() : language);
+  return KtUnicodeProps::CollationKind(language == kDefaultLanguage ? KtLanguageContext::GetDefaultLanguage()
+                                                                    : language);
 }
 
 }  // namespace

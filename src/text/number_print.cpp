@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -12,28 +14,33 @@ namespace {
 
 class Appender {
 public:
-  explicit Appender(NumberText& out) : out_(out) { out_.length = 0; }
+  explicit Appender(NumberText& out) : out_(out), end_(out.text) {}
 
-  unsigned room() const { return NumberText::kCapacity - out_.length; }
-  char* end() { return out_.text + out_.length; }
-  void advanceTo(const char* end) { out_.length = static_cast<unsigned>(end - out_.text); }
+  std::size_t room() const { return static_cast<std::size_t>(out_.text + NumberText::kCapacity - end_); }
+  char* end() { return end_; }
+  void moveTo(char* end) { end_ = end; }
   void append(char c) {
-    if (room() > 0) out_.text[out_.length++] = c;
+    if (room() > 0) *end_++ = c;
   }
   void append(const char* from, std::size_t count) {
-    const unsigned kept = count < room() ? static_cast<unsigned>(count) : room();
-    std::memcpy(end(), from, kept);
-    out_.length += kept;
+    const std::size_t kept = std::min(count, room());
+    std::memcpy(end_, from, kept);
+    end_ += kept;
   }
   void fill(char c, int count) {
     if (count <= 0) return;
-    const unsigned kept = static_cast<unsigned>(count) < room() ? static_cast<unsigned>(count) : room();
-    std::memset(end(), c, kept);
-    out_.length += kept;
+    const std::size_t kept = std::min(static_cast<std::size_t>(count), room());
+    std::memset(end_, c, kept);
+    end_ += kept;
+  }
+  void finish() {
+    *end_ = '\0';
+    out_.length = static_cast<unsigned>(end_ - out_.text);
   }
 
 private:
   NumberText& out_;
+  char* end_;
 };
 
 // A converted number in the order in which its pieces are written. Zeros are counted, never stored.
@@ -133,7 +140,7 @@ void storeLowByteFirst(char* to, std::uint64_t bytes) {
 }
 
 // Writes up to kDecimalRoom bytes at `to`; returns the end of the number.
-constexpr unsigned kDecimalRoom = 16;
+constexpr std::size_t kDecimalRoom = 16;
 constexpr std::uint64_t kZeroDigits = 0x30303030'30303030;
 char* writeDecimal(char* to, std::uint32_t value) {
   constexpr std::uint32_t kEightDigits = 100000000;
@@ -148,15 +155,32 @@ char* writeDecimal(char* to, std::uint32_t value) {
   return to + 8 - leadingZeros;
 }
 
+char* writeSignedDecimal(char* to, bool negative, std::uint32_t magnitude) {
+  *to = '-';
+  return writeDecimal(to + (negative ? 1 : 0), magnitude);
+}
+
 void appendInteger(Appender& out, const NumberSpec& spec, std::int32_t value) {
   if (spec.conversion == 'c') return appendCharacter(out, spec, static_cast<std::uint32_t>(value));
   const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
   const bool negative = isSignedConversion(spec.conversion) && (bits >> 31) != 0;
   const std::uint32_t magnitude = negative ? 0 - bits : bits;
-  const bool plain = spec.plain && baseOf(spec.conversion) == 10;
-  if (!plain || out.room() <= kDecimalRoom) return appendFormattedInteger(out, spec, negative, magnitude);
-  if (negative) out.append('-');
-  out.advanceTo(writeDecimal(out.end(), magnitude));
+  if (!spec.plain || baseOf(spec.conversion) != 10 || out.room() < kDecimalRoom) {
+    return appendFormattedInteger(out, spec, negative, magnitude);
+  }
+  out.moveTo(writeSignedDecimal(out.end(), negative, magnitude));
+}
+
+// The short way for the formats of the type table. False if the format is another one.
+bool printPlainDecimal(NumberText& text, const char* format, std::int32_t value) {
+  NumberSpec spec;
+  if (!parsePlainFormat(format, spec) || (spec.conversion != 'd' && spec.conversion != 'u')) return false;
+  const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
+  const bool negative = spec.conversion == 'd' && (bits >> 31) != 0;
+  char* const end = writeSignedDecimal(text.text, negative, negative ? 0 - bits : bits);
+  *end = '\0';
+  text.length = static_cast<unsigned>(end - text.text);
+  return true;
 }
 
 // Every decimal digit of a double that can differ from 0 stands within this many digits of the point.
@@ -172,11 +196,8 @@ struct RealText {
   void convert(double magnitude, std::chars_format format, Precision... precision) {
     end = std::to_chars(text, text + kRealText - 1, magnitude, format, precision...).ptr;
   }
-  // The exponent with its letter, or the end.
-  char* exponent() {
-    char* const found = static_cast<char*>(std::memchr(text, 'e', static_cast<std::size_t>(end - text)));
-    return found == nullptr ? end : found;
-  }
+  // The first c before `limit`, or `limit`.
+  char* find(char c, char* limit) { return std::find(text, limit, c); }
   // Makes room for a point behind the mantissa `text` to `at`.
   void insertPoint(char* at) {
     std::memmove(at + 1, at, static_cast<std::size_t>(end - at));
@@ -230,34 +251,33 @@ void appendSpecial(Appender& out, const NumberSpec& spec, double value) {
   appendPieces(out, spec, pieces);
 }
 
+// Where the mantissa ends and the exponent begins.
+char* mantissaEnd(RealText& text, bool hex) { return hex ? text.find('p', text.end) : text.find('e', text.end); }
+
+// Writes the digits of a finite number as conversion `kind` (f, e, g or a); returns the pieces without sign and padding.
+Pieces convertReal(RealText& text, const NumberSpec& spec, char kind, double magnitude) {
+  const bool hex = kind == 'a';
+  const bool alternate = spec.has(NumberSpec::kAlternate);
+  int precision = spec.precision < 0 && !hex ? 6 : spec.precision;
+  if (kind == 'g' && alternate) kind = replaceGeneral(magnitude, precision);
+  const int zeros = hex ? convertHex(text, magnitude, precision) : convertDecimal(text, magnitude, kind, precision);
+  // Only what is put behind the mantissa asks where that is.
+  char* end = zeros > 0 || alternate ? mantissaEnd(text, hex) : text.end;
+  if (alternate && text.find('.', end) == end) text.insertPoint(end++);
+  Pieces pieces{.digits = text.text, .digitCount = static_cast<int>(end - text.text)};
+  pieces.zerosBehind = zeros;
+  pieces.tail = end;
+  pieces.tailCount = static_cast<int>(text.end - end);
+  return pieces;
+}
+
 void appendReal(Appender& out, const NumberSpec& spec, double value) {
   if (!std::isfinite(value)) return appendSpecial(out, spec, value);
   const bool upper = spec.conversion < 'a';
-  char kind = static_cast<char>(spec.conversion | 0x20);
-  const double magnitude = std::fabs(value);
-  int precision = spec.precision;
-  if (precision < 0 && kind != 'a') precision = 6;
-  if (kind == 'g' && spec.has(NumberSpec::kAlternate)) kind = replaceGeneral(magnitude, precision);
-
+  const char kind = static_cast<char>(spec.conversion | 0x20);
   RealText text;
-  const int zeros =
-      kind == 'a' ? convertHex(text, magnitude, precision) : convertDecimal(text, magnitude, kind, precision);
-  char* mantissaEnd = text.end;
-  if (kind == 'a') {
-    mantissaEnd = static_cast<char*>(std::memchr(text.text, 'p', static_cast<std::size_t>(text.end - text.text)));
-  } else if (zeros > 0 || spec.has(NumberSpec::kAlternate)) {
-    mantissaEnd = text.exponent();
-  }
-  if (spec.has(NumberSpec::kAlternate) &&
-      std::memchr(text.text, '.', static_cast<std::size_t>(mantissaEnd - text.text)) == nullptr) {
-    text.insertPoint(mantissaEnd++);
-  }
+  Pieces pieces = convertReal(text, spec, kind, std::fabs(value));
   if (upper) upperCase(text.text, text.end);
-
-  Pieces pieces{.digits = text.text, .digitCount = static_cast<int>(mantissaEnd - text.text)};
-  pieces.zerosBehind = zeros;
-  pieces.tail = mantissaEnd;
-  pieces.tailCount = static_cast<int>(text.end - mantissaEnd);
   pieces.zeroPad = spec.has(NumberSpec::kZero);
   pieces.addSign(std::signbit(value), spec);
   if (kind == 'a') {
@@ -269,7 +289,7 @@ void appendReal(Appender& out, const NumberSpec& spec, double value) {
 
 // Walks the format. convert(spec) writes a conversion and returns true, or declines it: then it is literal text.
 template <class Convert>
-void printFormat(NumberText& text, Appender& out, const char* format, Convert convert) {
+void printFormat(Appender& out, const char* format, Convert convert) {
   while (*format != '\0') {
     if (*format != '%') {
       out.append(*format++);
@@ -282,13 +302,13 @@ void printFormat(NumberText& text, Appender& out, const char* format, Convert co
       format = spec.end;
     }
   }
-  text.text[text.length] = '\0';
+  out.finish();
 }
 
 void printReal(NumberText& text, const char* format, double value) {
   Appender out(text);
   bool done = false;
-  printFormat(text, out, format, [&](const NumberSpec& spec) {
+  printFormat(out, format, [&](const NumberSpec& spec) {
     if (done || !isRealConversion(spec.conversion)) return false;
     appendReal(out, spec, value);
     return done = true;
@@ -300,7 +320,7 @@ void printMantissaExponent(NumberText& text, const char* format, double value) {
   int exponent = 0;
   const double mantissa = std::isfinite(value) ? std::frexp(value, &exponent) : value;
   int done = 0;
-  printFormat(text, out, format, [&](const NumberSpec& spec) {
+  printFormat(out, format, [&](const NumberSpec& spec) {
     const bool fits = done == 0 ? isRealConversion(spec.conversion) : done == 1 && isIntegerConversion(spec.conversion);
     if (!fits) return false;
     if (done++ == 0) {
@@ -315,10 +335,11 @@ void printMantissaExponent(NumberText& text, const char* format, double value) {
 }  // namespace
 
 void printInteger(NumberText& out, const char* format, std::int32_t value) {
+  if (printPlainDecimal(out, format, value)) return;
   Appender appender(out);
   bool done = false;
   bool ended = false;
-  printFormat(out, appender, format, [&](const NumberSpec& spec) {
+  printFormat(appender, format, [&](const NumberSpec& spec) {
     if (done || !isIntegerConversion(spec.conversion)) return false;
     appendInteger(appender, spec, value);
     ended = spec.conversion == 'c' && (value & 0xFF) == 0;

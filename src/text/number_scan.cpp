@@ -58,12 +58,20 @@ struct Magnitude {
   std::uint64_t value = 0;  // stays above 32 bits once it is
   bool hasDigits = false;
 
-  void take(Cursor& in, unsigned base) {
-    const char* const begin = in.at;
-    for (unsigned digit; in.at != in.end && (digit = digitValue(*in.at)) < base; ++in.at) {
-      if (value >> 32 == 0) value = value * base + digit;
+  template <class DigitOf>
+  void take(Cursor& in, unsigned base, DigitOf digitOf) {
+    const char* at = in.at;
+    std::uint64_t sum = 0;
+    for (unsigned digit; at != in.end && (digit = digitOf(*at)) < base; ++at) {
+      if (sum >> 32 == 0) sum = sum * base + digit;
     }
-    hasDigits |= in.at != begin;
+    value = sum;
+    hasDigits |= at != in.at;
+    in.at = at;
+  }
+  void take(Cursor& in, unsigned base) {
+    if (base != 10) return take(in, base, digitValue);
+    take(in, 10, [](char c) { return static_cast<unsigned>(static_cast<unsigned char>(c)) - '0'; });
   }
 };
 
@@ -105,6 +113,11 @@ bool readCharacter(Cursor& in, std::uint32_t& value) {
   return true;
 }
 
+std::uint32_t storedInteger(const NumberSpec& spec, bool negative, std::uint64_t magnitude) {
+  const bool isSigned = isSignedConversion(spec.conversion);
+  return reduceToLength(isSigned ? saturateSigned(negative, magnitude) : saturateUnsigned(negative, magnitude), spec);
+}
+
 bool readInteger(Cursor& in, const NumberSpec& spec, std::uint32_t& value) {
   if (spec.conversion == 'c') return readCharacter(in, value);
   in.skipBlanks();
@@ -115,10 +128,18 @@ bool readInteger(Cursor& in, const NumberSpec& spec, std::uint32_t& value) {
   magnitude.take(number, base);
   if (!magnitude.hasDigits) return false;
   in.at = number.at;
-  const std::uint32_t whole = isSignedConversion(spec.conversion) ? saturateSigned(negative, magnitude.value)
-                                                                  : saturateUnsigned(negative, magnitude.value);
-  value = reduceToLength(whole, spec);
+  value = storedInteger(spec, negative, magnitude.value);
   return true;
+}
+
+// The short way for "%d", "%hu" and the like.
+bool readDecimal(Cursor in, const NumberSpec& spec, std::uint32_t& value) {
+  in.skipBlanks();
+  const bool negative = in.takeMinus();
+  Magnitude magnitude;
+  magnitude.take(in, 10);
+  if (magnitude.hasDigits) value = storedInteger(spec, negative, magnitude.value);
+  return magnitude.hasDigits;
 }
 
 // ---- reals --------------------------------------------------------------------------------------------------------
@@ -258,8 +279,11 @@ bool scanFormat(Cursor in, const char* format, bool printSyntax, Read read) {
 
 template <class Real>
 bool scanReal(const char* text, unsigned long length, const char* format, Real& value) {
+  Cursor all{text, text + length};
+  NumberSpec plain;
+  if (parsePlainFormat(format, plain) && isRealConversion(plain.conversion)) return readReal(all, 0, value);
   bool done = false;
-  scanFormat({text, text + length}, format, false, [&](Cursor& in, const NumberSpec& spec) {
+  scanFormat(all, format, false, [&](Cursor& in, const NumberSpec& spec) {
     if (!isRealConversion(spec.conversion)) return Step::kDeclined;
     done = readReal(in, spec.width, value);
     return done ? Step::kFinished : Step::kFailed;
@@ -291,6 +315,10 @@ bool scanMantissaExponent(const char* text, unsigned long length, const char* fo
 }  // namespace
 
 bool scanInteger(const char* text, unsigned long length, const char* format, std::uint32_t& value) {
+  NumberSpec plain;
+  if (parsePlainFormat(format, plain) && (plain.conversion == 'd' || plain.conversion == 'u')) {
+    return readDecimal({text, text + length}, plain, value);
+  }
   bool done = false;
   scanFormat({text, text + length}, format, false, [&](Cursor& in, const NumberSpec& spec) {
     if (!isIntegerConversion(spec.conversion)) return Step::kDeclined;

@@ -90,6 +90,15 @@ inline NumberSpec parseNumberSpec(const char* at, bool printSyntax) {
   return spec;
 }
 
+// Whether the whole format is one conversion of letters only, as those of the type table are: then `spec` is it.
+inline bool parsePlainFormat(const char* format, NumberSpec& spec) {
+  if (format[0] != '%') return false;
+  const char* at = format + 1;
+  if (*at == 'l' || *at == 'h') spec.length = *at++;
+  spec.conversion = *at;
+  return *at != '\0' && at[1] == '\0';
+}
+
 inline bool isIntegerConversion(char c) {
   switch (c) {
     case 'd':

@@ -1,23 +1,22 @@
 // order_cursor.cpp - the weight tables: built on first use into static storage, so that building cannot fail.
 #include "order_cursor.h"
 
-#include <bit>
 #include <mutex>
 
 namespace kt {
 
 std::atomic<unsigned char> kindOfLanguage[256];
-std::atomic<const Weight*> byteWeightTables[225][kKindSlots];
-std::atomic<const WeightPage*> weightPageTables[kKindSlots];
+std::atomic<const ByteWeights*> byteWeightTables[225][kKindSlots];
+std::atomic<const WideWeights*> wideWeightTables[kKindSlots];
 
 namespace {
 
 constexpr unsigned kCodeSets = 16;  // codes that 8-bit code sets resolve to are below this
 
 std::mutex buildMutex;
-Weight byteStorage[kCodeSets][kKindSlots][256];
+ByteWeights byteStorage[kCodeSets][kKindSlots];
+WideWeights wideStorage[kKindSlots];
 Weight pageStorage[kKindSlots][256][256];  // only pages that are not rising are ever touched
-WeightPage pageTables[kKindSlots][256];
 Weight risingPage[256];                    // the orders 0, 1, 2 ... as weights
 
 unsigned pageOrder(const KtUnicodeProps::Page& page, unsigned index) {
@@ -34,7 +33,7 @@ bool isRising(const KtUnicodeProps::Page& page, unsigned kind) {
   return true;
 }
 
-WeightPage buildPage(const KtUnicodeProps::Page& page, unsigned kind, Weight (&weights)[256]) {
+WideWeights::Page buildPage(const KtUnicodeProps::Page& page, unsigned kind, Weight (&weights)[256]) {
   if (isRising(page, kind)) return {risingPage, kind << 24 | pageOrder(page, 0) << 8};
   for (unsigned i = 0; i < 256; ++i) {
     const unsigned order = pageOrder(page, i);
@@ -61,48 +60,47 @@ unsigned char standInCodeSet(unsigned char codeSet) {
   return codeSet != 0 && KtCodeSet::CharSizeOf(codeSet) == 1 ? codeSet : 1;
 }
 
-const Weight* buildByteWeights(unsigned char codeSet, unsigned char kind) {
+const ByteWeights* buildByteWeights(unsigned char codeSet, unsigned char kind) {
   const KtCodeSet& set = KtCodeSet::Get(codeSet);
+  const unsigned short* orders = set.Orders(kind);
   const unsigned slot = kindSlot(kind);
   const std::lock_guard<std::mutex> lock(buildMutex);
-  std::atomic<const Weight*>& resolved = byteWeightTables[set.Code()][slot];
-  const Weight* table = resolved.load(std::memory_order_relaxed);
-  if (table == nullptr) {
-    Weight* weights = byteStorage[set.Code() % kCodeSets][slot];
-    const unsigned short* orders = set.Orders(kind);
-    for (unsigned i = 0; i < 256; ++i) weights[i] = collationKey(orders[i], kind);
-    table = weights;
-    resolved.store(table, std::memory_order_release);
+  // Codes that stand for the same set share its table: that is how cursors see that two texts have one form.
+  std::atomic<const ByteWeights*>& resolved = byteWeightTables[set.Code()][slot];
+  const ByteWeights* ready = resolved.load(std::memory_order_relaxed);
+  if (ready == nullptr) {
+    ByteWeights& table = byteStorage[set.Code() % kCodeSets][slot];
+    for (unsigned i = 0; i < 256; ++i) table.of[i] = collationKey(orders[i], kind);
+    table.significant = firstSignificant(kind);
+    table.kind = kind;
+    ready = &table;
+    resolved.store(ready, std::memory_order_release);
   }
-  byteWeightTables[codeSet][slot].store(table, std::memory_order_release);
-  return table;
+  byteWeightTables[codeSet][slot].store(ready, std::memory_order_release);
+  return ready;
 }
 
-const WeightPage* buildWeightPages(unsigned char kind) {
+const WideWeights* buildWideWeights(unsigned char kind) {
   const unsigned slot = kindSlot(kind);
   const KtUnicodeProps::Page* source = KtUnicodeProps::OrderPages(kind);
   const std::lock_guard<std::mutex> lock(buildMutex);
-  if (const WeightPage* ready = weightPageTables[slot].load(std::memory_order_relaxed)) return ready;
+  if (const WideWeights* ready = wideWeightTables[slot].load(std::memory_order_relaxed)) return ready;
   for (unsigned i = 0; i < 256; ++i) risingPage[i] = i << 8;
-  WeightPage* table = pageTables[slot];
-  for (unsigned i = 0; i < 256; ++i) table[i] = buildPage(source[i], kind, pageStorage[slot][i]);
-  weightPageTables[slot].store(table, std::memory_order_release);
-  return table;
+  WideWeights& table = wideStorage[slot];
+  for (unsigned i = 0; i < 256; ++i) table.page[i] = buildPage(source[i], kind, pageStorage[slot][i]);
+  table.significant = firstSignificant(kind);
+  table.kind = kind;
+  wideWeightTables[slot].store(&table, std::memory_order_release);
+  return &table;
 }
 
-int unitRotation(unsigned char flag) {
-  if (flag == 1 || flag == 8 || flag == 255) return 0;
-  const bool bigHost = std::endian::native == std::endian::big;
-  return (flag == 2) == bigHost ? 0 : 8;
-}
+static_assert(KtUnicodeProps::kMaxOrders == 3);
 
-Weight WideCursor::firstOfSeveral() {
-  unsigned short orders[KtUnicodeProps::kMaxOrders];
-  const auto unit = static_cast<unsigned short>(loadUnit(text_, position_ - 1, rotation_));
-  const unsigned count = KtUnicodeProps::Orders(unit, kind_, orders);
-  for (unsigned i = 1; i < count; ++i) pending_[count - 1 - i] = collationKey(orders[i], kind_);
-  pendingCount_ = static_cast<unsigned char>(count - 1);
-  return collationKey(orders[0], kind_);
+SeveralWeights severalWeights(unsigned unicode, unsigned char kind) {
+  unsigned short orders[KtUnicodeProps::kMaxOrders] = {};
+  const unsigned count = KtUnicodeProps::Orders(static_cast<unsigned short>(unicode), kind, orders);
+  return {collationKey(orders[0], kind), count > 1 ? collationKey(orders[1], kind) : 0,
+          count > 2 ? collationKey(orders[2], kind) : 0};
 }
 
 }  // namespace kt

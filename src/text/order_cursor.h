@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -19,11 +20,11 @@ namespace kt {
 struct TextRef {
   static constexpr unsigned long kToTerminator = 0xFFFFFFFFul;
 
-  const char* text = nullptr;                 // may be unaligned; null is an empty text
-  unsigned long limit = kToTerminator;        // characters that are readable; a zero character ends the text before
-  unsigned char codeSet = 1;                  // 0 the native set, 255 the default 8-bit set
-  unsigned char language = 0;                 // 255 the default language
-  unsigned char flag = 1;                     // order of 16-bit characters: 1, 8, 255 host; 2 big-endian; else little
+  const char* text = nullptr;           // may be unaligned; null is an empty text
+  unsigned long limit = kToTerminator;  // characters that are readable; a zero character ends the text before
+  unsigned char codeSet = 1;            // 0 the native set, 255 the default 8-bit set
+  unsigned char language = 0;           // 255 the default language
+  unsigned char flag = 1;               // order of 16-bit characters: 1, 8, 255 host; 2 big-endian; else little
 
   // Language 254 makes a null value, and so does code set 254 with language 0.
   bool isNull() const { return language == 254 || (codeSet == 254 && language == 0); }
@@ -31,8 +32,8 @@ struct TextRef {
 
 using Weight = std::uint32_t;
 
-constexpr Weight kSeveralOrders = 1;  // stands in a page for a character with more than one order; no key is 1
-constexpr unsigned kFirstTextOrder = 80;            // ignorable orders: spaces and controls below, symbols from here
+constexpr Weight kSeveralOrders = 1;      // stands in a page for a character with more than one order; no key is 1
+constexpr unsigned kFirstTextOrder = 80;  // ignorable orders: spaces and controls below, symbols from here
 constexpr unsigned kFirstSignificantOrder = 16128;  // digits, then letters
 
 // DISK: index keys consist of these numbers.
@@ -50,7 +51,7 @@ constexpr Weight firstSignificant(unsigned kind) {
 // The order of an ignorable weight.
 constexpr int ignorableOrder(Weight weight) { return static_cast<int>(weight >> 8 & 0xFFFFu); }
 
-constexpr Weight kLevelMask = 127;      // case and diacritic
+constexpr Weight kLevelMask = 127;  // case and diacritic
 constexpr Weight kDiacriticMask = 31;
 constexpr Weight kCaseMask = 96;
 
@@ -59,22 +60,35 @@ constexpr std::int32_t keyDifference(Weight a, Weight b) { return static_cast<st
 
 // --- tables -------------------------------------------------------------------------------------------------------
 
-// Character c of a 16-bit set has the weight page[c >> 8].weights[c & 255] + page[c >> 8].offset.
-struct WeightPage {
-  const Weight* weights;
-  Weight offset;
+// The weights of an 8-bit code set under one kind.
+struct ByteWeights {
+  Weight of[256];
+  Weight significant;  // firstSignificant(kind)
+  unsigned char kind;
+};
+
+// The weights of the 16-bit characters under one kind: of character c, page[c >> 8].weights[c & 255] +
+// page[c >> 8].offset.
+struct WideWeights {
+  struct Page {
+    const Weight* weights;
+    Weight offset;
+  };
+  Page page[256];
+  Weight significant;
+  unsigned char kind;
 };
 
 constexpr unsigned kKindSlots = 5;  // kinds 1 to 4, and kind 20 in slot 0
 constexpr unsigned kindSlot(unsigned kind) { return kind < kKindSlots ? kind : 0; }
 
 extern std::atomic<unsigned char> kindOfLanguage[256];  // 0: not asked for yet
-extern std::atomic<const Weight*> byteWeightTables[225][kKindSlots];
-extern std::atomic<const WeightPage*> weightPageTables[kKindSlots];
+extern std::atomic<const ByteWeights*> byteWeightTables[225][kKindSlots];
+extern std::atomic<const WideWeights*> wideWeightTables[kKindSlots];
 
 unsigned char findCollationKind(unsigned char language);
-const Weight* buildByteWeights(unsigned char codeSet, unsigned char kind);
-const WeightPage* buildWeightPages(unsigned char kind);
+const ByteWeights* buildByteWeights(unsigned char codeSet, unsigned char kind);
+const WideWeights* buildWideWeights(unsigned char kind);
 unsigned char standInCodeSet(unsigned char codeSet);
 
 inline unsigned char collationKind(unsigned char language) {
@@ -87,19 +101,29 @@ inline unsigned char storedCodeSet(unsigned char codeSet) {
   return codeSet != 0 && codeSet != 255 ? codeSet : standInCodeSet(codeSet);
 }
 
-// codeSet: 1 to 224. 256 weights.
-inline const Weight* byteWeights(unsigned char codeSet, unsigned char kind) {
-  const Weight* table = byteWeightTables[codeSet][kindSlot(kind)].load(std::memory_order_acquire);
+// codeSet: 1 to 224.
+inline const ByteWeights* byteWeights(unsigned char codeSet, unsigned char kind) {
+  const ByteWeights* table = byteWeightTables[codeSet][kindSlot(kind)].load(std::memory_order_acquire);
   return table != nullptr ? table : buildByteWeights(codeSet, kind);
 }
 
-inline const WeightPage* weightPages(unsigned char kind) {
-  const WeightPage* table = weightPageTables[kindSlot(kind)].load(std::memory_order_acquire);
-  return table != nullptr ? table : buildWeightPages(kind);
+inline const WideWeights* wideWeights(unsigned char kind) {
+  const WideWeights* table = wideWeightTables[kindSlot(kind)].load(std::memory_order_acquire);
+  return table != nullptr ? table : buildWideWeights(kind);
 }
 
 // How far to rotate a 16-bit character as loaded from memory to get its number: 0 or 8 bits.
-int unitRotation(unsigned char flag);
+constexpr int unitRotation(unsigned char flag) {
+  if (flag == 1 || flag == 8 || flag == 255) return 0;
+  const bool bigHost = std::endian::native == std::endian::big;
+  return (flag == 2) == bigHost ? 0 : 8;
+}
+
+// The weights of a character with more than one order; 0 where there are fewer than three.
+struct SeveralWeights {
+  Weight first = 0, second = 0, third = 0;
+};
+SeveralWeights severalWeights(unsigned unicode, unsigned char kind);
 
 inline unsigned loadUnit(const char* text, unsigned long index, int rotation) {
   std::uint16_t unit;
@@ -114,85 +138,102 @@ inline unsigned loadUnit(const char* text, unsigned long index, int rotation) {
 
 class ByteCursor {
 public:
+  using Table = ByteWeights;
   static constexpr unsigned long kCharSize = 1;
 
+  ByteCursor(const char* text, unsigned long limit, const ByteWeights* table)
+      : text_(reinterpret_cast<const unsigned char*>(text)), limit_(text != nullptr ? limit : 0), table_(table) {}
   ByteCursor(const TextRef& ref, unsigned long length, unsigned char kind)
-      : text_(reinterpret_cast<const unsigned char*>(ref.text)),
-        limit_(ref.text != nullptr ? std::min(ref.limit, length) : 0),
-        weights_(byteWeights(storedCodeSet(ref.codeSet), kind)),
-        kind_(kind) {}
+      : ByteCursor(ref.text, std::min(ref.limit, length), byteWeights(storedCodeSet(ref.codeSet), kind)) {}
 
   Weight next() {
     if (position_ == limit_) return 0;
-    const Weight weight = weights_[text_[position_]];
-    position_ += weight != 0;
+    const Weight weight = weightAt(position_);
+    if (weight == 0) return end();
+    ++position_;
     return weight;
   }
   void dropPending() {}
 
-  Weight significant() const { return firstSignificant(kind_); }
-  unsigned char kind() const { return kind_; }
+  Weight significant() const { return table_->significant; }
+  unsigned char kind() const { return table_->kind; }
+  const ByteWeights* table() const { return table_; }
   unsigned long position() const { return position_; }  // characters taken
   unsigned long limit() const { return limit_; }
   const char* data() const { return reinterpret_cast<const char*>(text_); }
-  Weight weightAt(unsigned long index) const { return weights_[text_[index]]; }
+  Weight weightAt(unsigned long index) const { return table_->of[text_[index]]; }
   void moveTo(unsigned long position) { position_ = position; }
   // True when equal bytes on both sides are equal characters with equal weights.
-  bool sharesForm(const ByteCursor& other) const { return weights_ == other.weights_; }
+  bool sharesForm(const ByteCursor& other) const { return table_ == other.table_; }
 
 private:
+  // A branch of its own: the next character must not wait for this one's weight.
+  Weight end() {
+    limit_ = position_;
+    return 0;
+  }
+
   const unsigned char* text_;
   unsigned long position_ = 0;
   unsigned long limit_;
-  const Weight* weights_;
-  unsigned char kind_;
+  const ByteWeights* table_;
 };
 
 class WideCursor {
 public:
+  using Table = WideWeights;
   static constexpr unsigned long kCharSize = 2;
 
+  WideCursor(const char* text, unsigned long limit, const WideWeights* table, int rotation)
+      : text_(text), limit_(text != nullptr ? limit : 0), table_(table), rotation_(rotation) {}
   WideCursor(const TextRef& ref, unsigned long length, unsigned char kind)
-      : text_(ref.text),
-        limit_(ref.text != nullptr ? std::min(ref.limit, length) : 0),
-        pages_(weightPages(kind)),
-        rotation_(unitRotation(ref.flag)),
-        kind_(kind) {}
+      : WideCursor(ref.text, std::min(ref.limit, length), wideWeights(kind), unitRotation(ref.flag)) {}
 
   Weight next() {
-    if (pendingCount_ != 0) return pending_[--pendingCount_];
+    if (pending_.second != 0) return nextPending();
     if (position_ == limit_) return 0;
     const Weight weight = weightAt(position_);
-    position_ += weight != 0;
-    return weight != kSeveralOrders ? weight : firstOfSeveral();
+    if (weight == 0) return end();
+    ++position_;
+    if (weight != kSeveralOrders) return weight;
+    pending_ = severalWeights(unitAt(position_ - 1), kind());
+    return pending_.first;
   }
   // Leaves a character behind of which only some orders were taken.
-  void dropPending() { pendingCount_ = 0; }
+  void dropPending() { pending_ = {}; }
 
-  Weight significant() const { return firstSignificant(kind_); }
-  unsigned char kind() const { return kind_; }
+  Weight significant() const { return table_->significant; }
+  unsigned char kind() const { return table_->kind; }
+  const WideWeights* table() const { return table_; }
+  int rotation() const { return rotation_; }
   unsigned long position() const { return position_; }
   unsigned long limit() const { return limit_; }
   const char* data() const { return text_; }
   Weight weightAt(unsigned long index) const {
-    const unsigned unit = loadUnit(text_, index, rotation_);
-    const WeightPage& page = pages_[unit >> 8];
+    const unsigned unit = unitAt(index);
+    const WideWeights::Page& page = table_->page[unit >> 8];
     return page.weights[unit & 255] + page.offset;
   }
   void moveTo(unsigned long position) { position_ = position; }
-  bool sharesForm(const WideCursor& other) const { return pages_ == other.pages_ && rotation_ == other.rotation_; }
+  bool sharesForm(const WideCursor& other) const { return table_ == other.table_ && rotation_ == other.rotation_; }
 
 private:
-  Weight firstOfSeveral();
+  Weight end() {
+    limit_ = position_;
+    return 0;
+  }
+  unsigned unitAt(unsigned long index) const { return loadUnit(text_, index, rotation_); }
+  Weight nextPending() {
+    pending_ = {pending_.second, pending_.third, 0};
+    return pending_.first;
+  }
 
   const char* text_;
   unsigned long position_ = 0;
   unsigned long limit_;
-  const WeightPage* pages_;
+  const WideWeights* table_;
   int rotation_;
-  unsigned char kind_;
-  unsigned char pendingCount_ = 0;
-  Weight pending_[KtUnicodeProps::kMaxOrders];  // the next one last
+  SeveralWeights pending_;  // first: the one given last
 };
 
 // Calls use(cursor) with the cursor type that the text's code set asks for. length: at most that many characters.

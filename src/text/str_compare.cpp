@@ -20,23 +20,38 @@ bool hasZero(std::uint64_t word) {
 
 // The index of the first byte, in memory order, in which two words differ.
 unsigned long firstDifferentByte(std::uint64_t difference) {
-  const int bits = std::endian::native == std::endian::little ? std::countr_zero(difference) : std::countl_zero(difference);
+  const int bits =
+      std::endian::native == std::endian::little ? std::countr_zero(difference) : std::countl_zero(difference);
   return static_cast<unsigned long>(bits) / 8;
 }
 
-// Leading characters, up to `count`, that are the same on both sides and not 0; count characters must be readable.
+// Compares one word from character i on: the index of the first difference, kEqual, or kEnds where a zero character
+// lies in the word.
+constexpr unsigned long kEqual = ~0ul;
+constexpr unsigned long kEnds = kEqual - 1;
+
+template <unsigned long charSize>
+unsigned long compareWord(const char* a, const char* b, unsigned long i) {
+  std::uint64_t x, y;
+  std::memcpy(&x, a + i * charSize, sizeof x);
+  std::memcpy(&y, b + i * charSize, sizeof y);
+  if (hasZero<charSize>(x)) return kEnds;
+  return x == y ? kEqual : i + firstDifferentByte(x ^ y) / charSize;
+}
+
+// Leading characters, up to `count`, that are the same on both sides; count characters must be readable. It may stop
+// early, at a word that holds a zero character or when there are fewer characters than in a word.
 template <unsigned long charSize>
 unsigned long equalByWords(const char* a, const char* b, unsigned long count) {
   constexpr unsigned long perWord = 8 / charSize;
-  unsigned long i = 0;
-  for (; count - i >= perWord; i += perWord) {
-    std::uint64_t x, y;
-    std::memcpy(&x, a + i * charSize, sizeof x);
-    std::memcpy(&y, b + i * charSize, sizeof y);
-    if (hasZero<charSize>(x)) break;
-    if (x != y) return i + firstDifferentByte(x ^ y) / charSize;
+  if (count < perWord) return 0;
+  for (unsigned long i = 0;; i += perWord) {
+    const bool last = count - i <= perWord;
+    const unsigned long difference = compareWord<charSize>(a, b, last ? count - perWord : i);  // the last one overlaps
+    if (difference == kEnds) return i;
+    if (difference != kEqual) return difference;
+    if (last) return count;
   }
-  return i;
 }
 
 template <unsigned long charSize>
@@ -51,41 +66,39 @@ bool sameCharacter(const char* a, const char* b, unsigned long i) {
 template <unsigned long charSize>
 unsigned long equalPrefix(const char* a, const char* b, unsigned long count, bool readable) {
   unsigned long i = readable ? equalByWords<charSize>(a, b, count) : 0;
+  if (i < count && !sameCharacter<charSize>(a, b, i)) return i;
+  for (; count - i >= 4; i += 4) {  // by fours, without a loop condition in between
+    if (!sameCharacter<charSize>(a, b, i)) return i;
+    if (!sameCharacter<charSize>(a, b, i + 1)) return i + 1;
+    if (!sameCharacter<charSize>(a, b, i + 2)) return i + 2;
+    if (!sameCharacter<charSize>(a, b, i + 3)) return i + 3;
+  }
   while (i < count && sameCharacter<charSize>(a, b, i)) ++i;
   return i;
 }
 
-bool bothReadable(const TextRef& a, const TextRef& b) {
-  return a.limit != TextRef::kToTerminator && b.limit != TextRef::kToTerminator;
-}
-
-// Moves both cursors past their equal beginning. Nothing is done for texts of different form.
+// The number of equal leading characters; 0 for texts of different form.
 template <class A, class B>
-void skipEqualPrefix(A&, B&, bool) {}
+unsigned long commonPrefix(const A&, const B&, bool) {
+  return 0;
+}
 
 template <class Cursor>
-void skipEqualPrefix(Cursor& a, Cursor& b, bool readable) {
-  if (!a.sharesForm(b)) return;
-  const unsigned long count = std::min(a.limit(), b.limit());
-  const unsigned long equal = equalPrefix<Cursor::kCharSize>(a.data(), b.data(), count, readable);
-  a.moveTo(equal);
-  b.moveTo(equal);
+unsigned long commonPrefix(const Cursor& a, const Cursor& b, bool readable) {
+  if (!a.sharesForm(b)) return 0;
+  return equalPrefix<Cursor::kCharSize>(a.data(), b.data(), std::min(a.limit(), b.limit()), readable);
 }
 
-// Ignorable characters directly before the first difference belong to its step: of several, the last one counts.
+// In line wherever it is called: passing cursors by value through memory costs more than comparing a short name.
 template <class A, class B>
-void backOverIgnorables(A&, B&) {}
-
-template <class Cursor>
-void backOverIgnorables(Cursor& a, Cursor& b) {
-  unsigned long i = a.position();
-  while (i > 0 && a.weightAt(i - 1) < a.significant()) --i;
-  a.moveTo(i);
-  b.moveTo(i);
-}
-
-template <class A, class B>
-long compareLevels(A& a, B& b, unsigned cmpOp) {
+[[gnu::always_inline]] inline long compareLevels(A a, B b, unsigned cmpOp, bool readable) {
+  unsigned long start = commonPrefix(a, b, readable);
+  if (start < a.limit() && start < b.limit())
+    if (const std::int32_t primary = significantDifference(a, b, start)) return primary;
+  // Ignorable characters directly before the first difference belong to its step: of several, the last one counts.
+  while (start > 0 && a.weightAt(start - 1) < a.significant()) --start;
+  a.moveTo(start);
+  b.moveTo(start);
   LevelDifferences differences;
   for (;;) {
     Weight k1 = a.next();
@@ -103,7 +116,10 @@ long compareLevels(A& a, B& b, unsigned cmpOp) {
 }
 
 template <class A, class B>
-long compareOrders(A& a, B& b) {
+[[gnu::always_inline]] inline long compareOrders(A a, B b, bool readable) {
+  const unsigned long start = commonPrefix(a, b, readable);
+  a.moveTo(start);
+  b.moveTo(start);
   for (;;) {
     const Weight k1 = a.next();
     const Weight k2 = b.next();
@@ -111,6 +127,9 @@ long compareOrders(A& a, B& b) {
     if (k1 == 0) return 0;
   }
 }
+
+bool isReadable(unsigned long limit) { return limit != TextRef::kToTerminator; }
+bool bothReadable(const TextRef& a, const TextRef& b) { return isReadable(a.limit) && isReadable(b.limit); }
 
 int byteAt(const TextRef& ref, unsigned long index) {
   return index < ref.limit ? static_cast<unsigned char>(ref.text[index]) : 0;
@@ -140,7 +159,20 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 
 }  // namespace
 
-long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {
+long compareNarrow(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const ByteWeights* tableA,
+                   const ByteWeights* tableB, unsigned cmpOp) {
+  const bool readable = isReadable(limitA) && isReadable(limitB);
+  return compareLevels(ByteCursor(a, limitA, tableA), ByteCursor(b, limitB, tableB), cmpOp, readable);
+}
+
+long compareWide(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const WideWeights* tableA,
+                 const WideWeights* tableB, unsigned cmpOp, int rotationA, int rotationB) {
+  const bool readable = isReadable(limitA) && isReadable(limitB);
+  return compareLevels(WideCursor(a, limitA, tableA, rotationA), WideCursor(b, limitB, tableB, rotationB), cmpOp,
+                       readable);
+}
+
+long compareTextsInFull(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {
   if (a.isNull() || b.isNull()) {
     if (b.isNull()) return a.isNull() ? 0 : 1;
     if ((cmpOp & (kNoWildcards | kBinaryOrder)) != 0) return -1;
@@ -153,11 +185,9 @@ long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short leng
   const bool wantsReport = report != nullptr && (cmpOp & kDropSpaces) != 0;
   if (!binary && ((cmpOp & kNoWildcards) == 0 || wantsReport))
     return comparePattern(a, b, cmpOp, limit, wantsReport ? report : nullptr);
-  return withCursors(a, b, limit, [&](auto& x, auto& y) -> long {
-    skipEqualPrefix(x, y, bothReadable(a, b));
-    if (binary) return compareOrders(x, y);
-    backOverIgnorables(x, y);
-    return compareLevels(x, y, cmpOp);
+  const bool readable = bothReadable(a, b);
+  return withCursors(a, b, limit, [&](const auto& x, const auto& y) -> long {
+    return binary ? compareOrders(x, y, readable) : compareLevels(x, y, cmpOp, readable);
   });
 }
 

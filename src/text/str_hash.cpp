@@ -20,11 +20,13 @@ std::uint32_t foldByNines(unsigned long n, ValueAt valueAt) {
   for (; n - i >= 8; i += 8) {
     const std::uint32_t high = valueAt(i) * powerOf9(7) + valueAt(i + 1) * powerOf9(6) + valueAt(i + 2) * powerOf9(5) +
                                valueAt(i + 3) * powerOf9(4);
-    const std::uint32_t low = valueAt(i + 4) * powerOf9(3) + valueAt(i + 5) * powerOf9(2) + valueAt(i + 6) * 9u + valueAt(i + 7);
+    const std::uint32_t low =
+        valueAt(i + 4) * powerOf9(3) + valueAt(i + 5) * powerOf9(2) + valueAt(i + 6) * 9u + valueAt(i + 7);
     h = h * powerOf9(8) + (high + low);
   }
   if (n - i >= 4) {
-    const std::uint32_t block = valueAt(i) * powerOf9(3) + valueAt(i + 1) * powerOf9(2) + valueAt(i + 2) * 9u + valueAt(i + 3);
+    const std::uint32_t block =
+        valueAt(i) * powerOf9(3) + valueAt(i + 1) * powerOf9(2) + valueAt(i + 2) * 9u + valueAt(i + 3);
     h = h * powerOf9(4) + block;
     i += 4;
   }

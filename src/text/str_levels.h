@@ -6,10 +6,6 @@
 
 namespace kt {
 
-constexpr std::int32_t primaryDifference(Weight k1, Weight k2) {
-  return keyDifference(k1 & ~kLevelMask, k2 & ~kLevelMask);
-}
-
 // Of the case level; lower case comes first there, hence the reversed sign.
 constexpr std::int32_t secondaryDifference(Weight k1, Weight k2) {
   return keyDifference(k2 & ~kDiacriticMask, k1 & ~kDiacriticMask);

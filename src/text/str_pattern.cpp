@@ -92,7 +92,8 @@ struct PatternRules {
 template <class A, class B>
 class PatternMatch {
 public:
-  PatternMatch(const A& a, const B& b, const PatternRules& rules) : a_(a), b_(b), rules_(rules), resume_{a, b, 0, false} {
+  PatternMatch(const A& a, const B& b, const PatternRules& rules)
+      : a_(a), b_(b), rules_(rules), resume_{a, b, 0, false} {
     if ((rules.cmpOp & kIgnoreCase) != 0) equalityMask_ &= ~kCaseMask;
     if ((rules.cmpOp & kIgnoreDiacritics) != 0) equalityMask_ &= ~kDiacriticMask;
     if ((rules.cmpOp & kNoWildcards) != 0) return;

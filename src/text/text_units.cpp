@@ -31,11 +31,22 @@ unsigned long wideLength(const char* text, unsigned long limit) {
   return length;
 }
 
+// Eight characters at a time: most text is ASCII, which every 8-bit set holds at its own place.
 void mapNarrow(char* target, const KtCodeSet& to, const char* source, const KtCodeSet& from, unsigned long count) {
+  constexpr std::uint64_t kBeyondAscii = 0x8080808080808080u;
   const unsigned char* table = from.MapTable(to);
-  for (unsigned long i = 0; i < count; ++i) {
-    target[i] = static_cast<char>(table[static_cast<unsigned char>(source[i])]);
+  unsigned long i = 0;
+  for (; i + 8 <= count; i += 8) {
+    std::uint64_t eight;
+    std::memcpy(&eight, source + i, sizeof eight);
+    if ((eight & kBeyondAscii) != 0) {
+      unsigned char mapped[8];
+      for (unsigned long k = 0; k < 8; ++k) mapped[k] = table[static_cast<unsigned char>(source[i + k])];
+      std::memcpy(&eight, mapped, sizeof eight);
+    }
+    std::memcpy(target + i, &eight, sizeof eight);
   }
+  for (; i < count; ++i) target[i] = static_cast<char>(table[static_cast<unsigned char>(source[i])]);
 }
 
 void widen(char* target, const char* source, const KtCodeSet& from, unsigned long count) {
@@ -45,7 +56,6 @@ void widen(char* target, const char* source, const KtCodeSet& from, unsigned lon
   }
 }
 
-// Every 8-bit set holds ASCII at its own place.
 void narrow(char* target, const KtCodeSet& to, const char* source, unsigned long count, bool swap) {
   for (unsigned long i = 0; i < count; ++i) {
     const std::uint16_t stored = unitAt(source, i, 2);

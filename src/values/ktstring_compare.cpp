@@ -11,12 +11,13 @@ static_assert(KtCMP_BINARY == kt::kBinaryOrder && KtCMP_DROP_SYMBOLS == kt::kDro
 
 namespace {
 
-// bufferSize covers the text with its terminator, which need not be looked at.
-unsigned long bytesOf(const KtString& s) { return s.buffer != nullptr ? s.bufferSize : 0; }
+// bufferSize covers the text with its terminator.
+unsigned long charactersOf(const KtString& s, unsigned charSize) {
+  return s.buffer != nullptr && s.bufferSize >= charSize ? s.bufferSize / charSize - 1ul : 0;
+}
 
 kt::TextRef refOf(const KtString& s, unsigned char language) {
-  const unsigned charSize = s.codeSet == 255 ? 1 : s.CharSize();
-  return {s.buffer, bytesOf(s) / charSize, s.codeSet, language, 1};
+  return {s.buffer, charactersOf(s, s.codeSet == 255 ? 1 : s.CharSize()), s.codeSet, language, 1};
 }
 
 unsigned operatorBits(unsigned short cmpOp) {
@@ -24,6 +25,15 @@ unsigned operatorBits(unsigned short cmpOp) {
 }
 
 long compareByDefault(const KtString& a, const KtString& b) { return a.Compare(b); }
+
+// The same arguments again, so that KtStrCmp jumps here and needs no stack frame on its short way.
+[[gnu::noinline]] long compareInFull(unsigned char codeSet1, unsigned char language1, const char* s1,
+                                     unsigned char codeSet2, unsigned char language2, const char* s2,
+                                     unsigned short cmpOp, short length, unsigned char flag, int* report) {
+  const kt::TextRef a{s1, kt::TextRef::kToTerminator, codeSet1, language1, flag};
+  const kt::TextRef b{s2, kt::TextRef::kToTerminator, codeSet2, language2, flag};
+  return kt::compareTextsInFull(a, b, cmpOp, length, report);
+}
 
 int setWildcard(kt::Wildcard wildcard, const KtChar& ch) {
   const unsigned short unicode = ch.Unicode();
@@ -61,16 +71,19 @@ long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, u
               int* report) {
   const kt::TextRef a{s1, kt::TextRef::kToTerminator, codeSet1, language1, flag};
   const kt::TextRef b{s2, kt::TextRef::kToTerminator, codeSet2, language2, flag};
-  return kt::compareTexts(a, b, cmpOp, length, report);
+  if (kt::isPlainComparison(a, b, cmpOp, length, report)) return kt::comparePlain(a, b, cmpOp);
+  return compareInFull(codeSet1, language1, s1, codeSet2, language2, s2, cmpOp, length, flag, report);
 }
 
 // Only code set 253 is walked by units; in the other 16-bit sets a zero byte ends the text.
 unsigned long HashKtString(const KtString& s) {
-  return s.codeSet == 253 ? kt::hashUnits(s.buffer, bytesOf(s) / 2) : kt::hashSignedBytes(s.buffer, bytesOf(s));
+  if (s.codeSet == 253) return kt::hashUnits(s.buffer, charactersOf(s, 2));
+  return kt::hashSignedBytes(s.buffer, charactersOf(s, 1));
 }
 
 unsigned long HashKtString7(const KtString& s) {
-  return s.codeSet == 253 ? kt::hashLowUnits(s.buffer, bytesOf(s) / 2) : kt::hashLowBytes(s.buffer, bytesOf(s));
+  if (s.codeSet == 253) return kt::hashLowUnits(s.buffer, charactersOf(s, 2));
+  return kt::hashLowBytes(s.buffer, charactersOf(s, 1));
 }
 
 unsigned long HashString(unsigned char codeSet, unsigned char language, char* data, short length, unsigned char flag) {

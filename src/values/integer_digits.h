@@ -1,0 +1,140 @@
+// integer_digits.h - digits of 64-bit magnitudes in base 8, 10 and 16, eight at a time.
+//
+// Eight digits travel in one 64-bit word, the first in the most significant byte, so that nothing depends on the host's
+// byte order.
+#ifndef KT_INTEGER_DIGITS_H
+#define KT_INTEGER_DIGITS_H
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace kt {
+
+constexpr std::uint64_t everyByte(std::uint64_t byte) { return byte * 0x0101010101010101u; }
+
+inline std::uint32_t bigEndian(std::uint32_t word) {
+  if constexpr (std::endian::native == std::endian::big) return word;
+  return word >> 24 | (word >> 8 & 0xFF00u) | (word << 8 & 0xFF0000u) | word << 24;
+}
+inline std::uint64_t bigEndian(std::uint64_t word) {
+  if constexpr (std::endian::native == std::endian::big) return word;
+  const std::uint64_t low = bigEndian(static_cast<std::uint32_t>(word));
+  return low << 32 | bigEndian(static_cast<std::uint32_t>(word >> 32));
+}
+
+// --- numbers to digits ---------------------------------------------------------------------------------------------
+
+// base^8: what eight digits count up to.
+template <unsigned kBase>
+constexpr std::uint64_t kEightDigits = kBase == 10 ? 100000000u : kBase == 8 ? 1u << 24 : std::uint64_t{1} << 32;
+
+// The digits of a number below kEightDigits, as numbers. Halves, then quarters, then single digits move apart.
+template <unsigned kBase>
+inline std::uint64_t splitDigits(std::uint64_t number) {
+  if constexpr (kBase == 16) {
+    number = (number & 0xFFFF0000u) << 16 | (number & 0xFFFFu);
+    number = (number & 0x0000FF000000FF00u) << 8 | (number & 0x000000FF000000FFu);
+    return (number & 0x00F000F000F000F0u) << 4 | (number & 0x000F000F000F000Fu);
+  } else if constexpr (kBase == 8) {
+    number = (number & 0xFFF000u) << 20 | (number & 0xFFFu);
+    number = (number & 0x00000FC000000FC0u) << 10 | (number & 0x0000003F0000003Fu);
+    return (number & 0x0038003800380038u) << 5 | (number & 0x0007000700070007u);
+  } else {
+    // Quotients by multiplication: exact below 10,000 and below 100.
+    const auto narrow = static_cast<std::uint32_t>(number);
+    const std::uint64_t halves = std::uint64_t{narrow / 10000} << 32 | narrow % 10000;
+    const std::uint64_t hundreds = (halves * 10486 >> 20) & 0x0000007F0000007Fu;
+    const std::uint64_t pairs = hundreds << 16 | (halves - 100 * hundreds);
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000Fu;
+    return tens << 8 | (pairs - 10 * tens);
+  }
+}
+
+// '0' to '9', then letters: letterGap lies between '9' + 1 and the first letter.
+inline std::uint64_t digitCharacters(std::uint64_t digits, unsigned letterGap) {
+  const std::uint64_t isLetter = (digits + everyByte(6)) >> 4 & everyByte(1);
+  return digits + everyByte('0') + isLetter * letterGap;
+}
+
+constexpr unsigned kMaxDigits = 24;  // three words; 2^64 has 22 digits in base 8
+
+// Writes the digits right-aligned in front of `end`, padded to whole words; returns the first digit's address. Zero has
+// one digit.
+template <unsigned kBase>
+inline char* writeDigits(char* end, std::uint64_t number, unsigned letterGap) {
+  for (;;) {
+    const bool isFirst = number < kEightDigits<kBase>;
+    const std::uint64_t digits = splitDigits<kBase>(isFirst ? number : number % kEightDigits<kBase>);
+    const std::uint64_t characters = bigEndian(digitCharacters(digits, letterGap));
+    end -= 8;
+    std::memcpy(end, &characters, 8);
+    if (isFirst) return end + std::countl_zero(digits | 1) / 8;
+    number /= kEightDigits<kBase>;
+  }
+}
+
+// --- digits to numbers ---------------------------------------------------------------------------------------------
+
+inline std::uint64_t readByte(const char* p) { return static_cast<unsigned char>(*p); }
+
+// The first n (1 to 8) of `available` characters at p, right-aligned, in front of them zeros.
+inline std::uint64_t readCharacters(const char* p, unsigned long n, unsigned long available) {
+  std::uint64_t word;
+  if (available >= 8) {
+    std::memcpy(&word, p, 8);
+    word = bigEndian(word) >> (64 - 8 * n);
+  } else if (n >= 4) {
+    std::uint32_t head, tail;  // may overlap
+    std::memcpy(&head, p, 4);
+    std::memcpy(&tail, p + n - 4, 4);
+    word = static_cast<std::uint64_t>(bigEndian(head)) << 8 * (n - 4) | bigEndian(tail);
+  } else {
+    const unsigned long middle = n / 2;
+    word = readByte(p) << 8 * (n - 1) | readByte(p + middle) << 8 * (n - 1 - middle) | readByte(p + n - 1);
+  }
+  return n == 8 ? word : word | everyByte('0') << 8 * n;
+}
+
+// The values of eight digit characters; false when one of them is no digit of the base.
+template <unsigned kBase>
+inline bool digitValues(std::uint64_t characters, std::uint64_t& digits) {
+  const std::uint64_t isLetter = kBase == 16 ? characters >> 6 & everyByte(1) : 0;
+  // Below: what must be 0 to 9 for a digit, 1 to 6 for a letter of either case.
+  const std::uint64_t rank = (characters | isLetter << 5) ^ (everyByte(0x30) + isLetter * 0x30);
+  digits = rank + isLetter * 9;
+  constexpr unsigned kDecimals = kBase < 10 ? kBase : 10;
+  const std::uint64_t tooLarge = rank + (everyByte(1) - isLetter) * (16 - kDecimals);
+  const std::uint64_t zeroLetter = (rank + isLetter * 15) ^ isLetter << 4;
+  return ((rank | digits | tooLarge | zeroLetter) & everyByte(0xF0)) == 0;
+}
+
+template <unsigned kBase>
+inline std::uint64_t joinDigits(std::uint64_t digits) {
+  constexpr std::uint64_t kBytes = 0x00FF00FF00FF00FFu;
+  constexpr std::uint64_t kPairs = 0x0000FFFF0000FFFFu;
+  const std::uint64_t pairs = (digits >> 8 & kBytes) * kBase + (digits & kBytes);
+  const std::uint64_t fours = (pairs >> 16 & kPairs) * (kBase * kBase) + (pairs & kPairs);
+  return (fours >> 32) * (kBase * kBase * kBase * kBase) + (fours & 0xFFFFFFFFu);
+}
+
+// The number that n digit characters stand for, modulo 2^64; false when one of them is no digit of the base. No digits
+// are 0.
+template <unsigned kBase>
+inline bool readDigits(const char* p, unsigned long n, std::uint64_t& number) {
+  number = 0;
+  unsigned long part = n % 8 == 0 ? 8 : n % 8;
+  while (n != 0) {
+    std::uint64_t digits;
+    if (!digitValues<kBase>(readCharacters(p, part, n), digits)) return false;
+    number = number * kEightDigits<kBase> + joinDigits<kBase>(digits);
+    p += part;
+    n -= part;
+    part = 8;
+  }
+  return true;
+}
+
+}  // namespace kt
+
+#endif

@@ -1,0 +1,42 @@
+// narrow_text.h - the text of a string in 8-bit characters, for the scanners.
+#ifndef KT_NARROW_TEXT_H
+#define KT_NARROW_TEXT_H
+
+#include "ktstring.h"
+
+#include <cstring>
+#include <optional>
+
+namespace kt {
+
+// A view of a string's text, converted where it has 16-bit characters. Lives no longer than the string.
+class NarrowText {
+public:
+  explicit NarrowText(const KtString& in) {
+    const KtString* source = &in;
+    if (in.CharSize() != 1) source = &(copy_.emplace() += in);
+    length_ = source->Len();
+    text_ = source->StrGet();
+  }
+  NarrowText(const NarrowText&) = delete;
+  NarrowText& operator=(const NarrowText&) = delete;
+
+  const char* begin() const { return text_; }
+  const char* end() const { return text_ + length_; }
+  unsigned long length() const { return length_; }
+
+  bool equals(const char* text) const { return std::strlen(text) == length_ && std::memcmp(text_, text, length_) == 0; }
+  // Every text begins with an empty one.
+  bool beginsWith(const NarrowText& other) const {
+    return other.length_ <= length_ && std::memcmp(text_, other.text_, other.length_) == 0;
+  }
+
+private:
+  std::optional<KtString> copy_;
+  const char* text_;
+  unsigned long length_;
+};
+
+}  // namespace kt
+
+#endif
