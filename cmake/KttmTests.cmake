@@ -41,6 +41,18 @@ if(test_sources)
   kttm_register_tests(kttm_tests)
 endif()
 
+# Settings that are read once a process need a program for each value: tests/own_process/<name>.cpp is one.
+file(GLOB own_process_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/own_process/*.cpp")
+foreach(source IN LISTS own_process_sources)
+  get_filename_component(name "${source}" NAME_WE)
+  add_executable(${name} "${source}")
+  kttm_use_flags(${name})
+  kttm_link_inside(${name})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  kttm_register_tests(${name})
+endforeach()
+
 # Looks at sources only: once, natively, is enough.
 find_package(Python3 COMPONENTS Interpreter)
 if(Python3_FOUND AND KTTM_NATIVE64)

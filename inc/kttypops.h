@@ -29,6 +29,28 @@ KTTM_API long DoubleCompare(KT_COMPARE_ARGUMENTS);    // NaN is equal to everyth
 KTTM_API long Int64Compare(KT_COMPARE_ARGUMENTS);     // signed 64 bits
 KTTM_API long BooleanCompare(KT_COMPARE_ARGUMENTS);   // null (255), then the order of KtBoolean's < and >
 KTTM_API long StringCompare(KT_COMPARE_ARGUMENTS);    // KtStrCmp of each pair under `options`, reduced to -1, 0, +1
+
+// Dates and times. Every code but 8 is a disk form. A result is what the class's != gives in memory form (for dates the
+// difference of fields or of days); on disk -1, 0 or +1, and the bytes are signed.
+// DateCompare, d_DateCompare: on disk a year, month or day of -1 in b matches any in a, unless options holds bit 0x10
+// (in memory form -1 matches on either side in DateCompare, whatever the options, and never in d_DateCompare).
+KTTM_API long DateCompare(KT_COMPARE_ARGUMENTS);
+KTTM_API long TimeCompare(KT_COMPARE_ARGUMENTS);
+KTTM_API long DaTimeCompare(KT_COMPARE_ARGUMENTS);       // no wildcards on disk
+KTTM_API long d_DateCompare(KT_COMPARE_ARGUMENTS);       // years on disk are unsigned
+KTTM_API long d_TimeCompare(KT_COMPARE_ARGUMENTS);       // by the instant in memory, zone first on disk
+KTTM_API long d_TimestampCompare(KT_COMPARE_ARGUMENTS);  // on disk as d_DateCompare, then as d_TimeCompare
+
+// Identities and blobs. Here a difference ends the compare with status 0, whether the runs go on or not.
+// Object ids, class ids, references: memory form is exactly the format 8. Every other format is a disk form, whose bytes
+// are compared from the most significant end of the little-endian layout down; the result is the difference of the first
+// bytes that differ. Blocks do not count, nor does the class of a reference, whose database comes first on disk.
+KTTM_API long ObjIdCompare(KT_COMPARE_ARGUMENTS);
+KTTM_API long ClassIdCompare(KT_COMPARE_ARGUMENTS);  // null first
+KTTM_API long RefCompare(KT_COMPARE_ARGUMENTS);
+// Byte by byte, then by length; -2 or +2 when only the first or only the second blob is null. Lengths of disk runs
+// include the header, and no element is read beyond what they, or the header, announce.
+KTTM_API long BlobCompare(KT_COMPARE_ARGUMENTS);
 #undef KT_COMPARE_ARGUMENTS
 
 // --- strings -----------------------------------------------------------------------------------------------------

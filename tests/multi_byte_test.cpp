@@ -2,7 +2,6 @@
 #include "ktmbs.h"
 
 #include <gtest/gtest.h>
-#include <iconv.h>
 #include <ktbs.h>
 
 #include <algorithm>
@@ -12,6 +11,10 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#if defined(__GLIBC__)
+#include <iconv.h>
+#endif
 
 namespace {
 
@@ -181,7 +184,7 @@ TEST(MultiByte, decodes_one_character_or_refuses_it) {
   EXPECT_EQ(KtWChar2MultiByte(nullptr, 'A'), 0);
 }
 
-#if defined(__GLIBC__)
+#if defined(__GLIBC__)  // other iconvs name their code sets otherwise
 TEST(MultiByte, every_character_agrees_with_iconv) {
   iconv_t toUtf8 = iconv_open("UTF-8", "UCS-2LE");
   for (unsigned code = 0; code < 65536; ++code) {

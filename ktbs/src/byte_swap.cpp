@@ -30,6 +30,32 @@ KT_CLONES unsigned long swapCopy64(unsigned char* dst, const unsigned char* src,
   return swapLoop<std::uint64_t>(dst, src, count);
 }
 
+// Every second wide store to an address between two boundaries touches two cache lines, which costs once a run outgrows
+// the first-level cache. So such a run's first vector is stored where it lies, and all behind it from the next boundary
+// on, some values of the first for the second time.
+constexpr unsigned long kVector = 32;
+constexpr unsigned long kLongRun = 65536;  // bytes
+
+template <class Word>
+[[gnu::always_inline]] inline unsigned long swapAligned(unsigned char* dst, const unsigned char* src,
+                                                        unsigned long count) {
+  unsigned long head = kVector - reinterpret_cast<std::uintptr_t>(dst) % kVector;
+  head -= head % sizeof(Word);
+  swapLoop<Word>(dst, src, kVector / sizeof(Word));
+  swapLoop<Word>(dst + head, src + head, count - head / sizeof(Word));
+  return count * sizeof(Word);
+}
+
+KT_CLONES unsigned long swapLong16(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  return swapAligned<std::uint16_t>(dst, src, count);
+}
+KT_CLONES unsigned long swapLong32(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  return swapAligned<std::uint32_t>(dst, src, count);
+}
+KT_CLONES unsigned long swapLong64(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  return swapAligned<std::uint64_t>(dst, src, count);
+}
+
 // In place: the copies would find that their runs overlap and go value by value. Told that both are one run, the
 // compiler vectorises these too.
 KT_CLONES unsigned long swapInPlace16(unsigned char* run, unsigned long count) {
@@ -44,17 +70,17 @@ KT_CLONES unsigned long swapInPlace64(unsigned char* run, unsigned long count) {
 
 }  // namespace
 
-template <>
-unsigned long swapRun<std::uint16_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return dst == src ? swapInPlace16(dst, count) : swapCopy16(dst, src, count);
+unsigned long swapRun16(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  if (dst == src) return swapInPlace16(dst, count);
+  return count < kLongRun / 2 ? swapCopy16(dst, src, count) : swapLong16(dst, src, count);
 }
-template <>
-unsigned long swapRun<std::uint32_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return dst == src ? swapInPlace32(dst, count) : swapCopy32(dst, src, count);
+unsigned long swapRun32(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  if (dst == src) return swapInPlace32(dst, count);
+  return count < kLongRun / 4 ? swapCopy32(dst, src, count) : swapLong32(dst, src, count);
 }
-template <>
-unsigned long swapRun<std::uint64_t>(unsigned char* dst, const unsigned char* src, unsigned long count) {
-  return dst == src ? swapInPlace64(dst, count) : swapCopy64(dst, src, count);
+unsigned long swapRun64(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  if (dst == src) return swapInPlace64(dst, count);
+  return count < kLongRun / 8 ? swapCopy64(dst, src, count) : swapLong64(dst, src, count);
 }
 
 }  // namespace kt

@@ -18,14 +18,16 @@ constexpr std::uint64_t swapBytes(std::uint64_t v) {
 
 // Copies `count` values swapped; returns the bytes written. dst and src may be unaligned; they are equal or do not
 // overlap. Word is std::uint16_t, std::uint32_t or std::uint64_t.
+unsigned long swapRun16(unsigned char* dst, const unsigned char* src, unsigned long count);
+unsigned long swapRun32(unsigned char* dst, const unsigned char* src, unsigned long count);
+unsigned long swapRun64(unsigned char* dst, const unsigned char* src, unsigned long count);
+
 template <class Word>
-unsigned long swapRun(unsigned char* dst, const unsigned char* src, unsigned long count);
-template <>
-unsigned long swapRun<std::uint16_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
-template <>
-unsigned long swapRun<std::uint32_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
-template <>
-unsigned long swapRun<std::uint64_t>(unsigned char* dst, const unsigned char* src, unsigned long count);
+inline unsigned long swapRun(unsigned char* dst, const unsigned char* src, unsigned long count) {
+  if constexpr (sizeof(Word) == 2) return swapRun16(dst, src, count);
+  if constexpr (sizeof(Word) == 4) return swapRun32(dst, src, count);
+  if constexpr (sizeof(Word) == 8) return swapRun64(dst, src, count);
+}
 
 }  // namespace kt
 

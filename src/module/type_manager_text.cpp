@@ -80,7 +80,8 @@ int KtTypeMgr::SetNullValue(char id, void* value) {
       row.Delete(converted, 1);
     }
   } else if (row.ScanFromKtString != nullptr) {
-    row.ScanFromKtString(value, kt::zeroText(), row.Format, 1);
+    KtString zero = kt::zeroText();
+    row.ScanFromKtString(value, zero, row.Format, 1);
   }
   return 0;
 }

@@ -6,6 +6,7 @@
 
 namespace kt {
 
+constexpr unsigned char kOrdinaryDiskForm = 0;  // little-endian
 constexpr unsigned char kMemoryForm = 8;
 constexpr unsigned char kMemoryLayout = 1;
 constexpr unsigned char kBigEndian = 2;

@@ -1,19 +1,9 @@
 // The compare functions of the plain scalars, of KtInt64 and of KtBoolean.
-#include "_ktnulty.h"
 #include "kttypops.h"
+#include "ops/boolean_ops.h"
+#include "ops/int64_ops.h"
 #include "ops/run_compare.h"
 #include "ops/scalar_values.h"
-
-namespace kt {
-
-long BooleanByte::compareDirect(const unsigned char* a, const unsigned char* b) {
-  const KtNullRelation nulls = KtNullRelationOf(*a == kNull, *b == kNull);
-  if (nulls != KtNULL_UNKNOWN) return KtNullRelationResult(nulls);
-  if (*a == 0 && *b >= 1 && *b <= 127) return -1;
-  return static_cast<signed char>(*a) > static_cast<signed char>(*b) ? 1 : 0;
-}
-
-}  // namespace kt
 
 // One cover a function: the value's description is all that differs.
 #define KT_COMPARE_COVER(name, value)                                                                             \
@@ -32,5 +22,5 @@ KT_COMPARE_COVER(LongCompare, LongValue)
 KT_COMPARE_COVER(DwordCompare, DwordValue)
 KT_COMPARE_COVER(FloatCompare, FloatValue)
 KT_COMPARE_COVER(DoubleCompare, DoubleValue)
-KT_COMPARE_COVER(Int64Compare, Int64Words)
-KT_COMPARE_COVER(BooleanCompare, BooleanByte)
+KT_COMPARE_COVER(Int64Compare, Int64Value)
+KT_COMPARE_COVER(BooleanCompare, BooleanValue)

@@ -1,9 +1,11 @@
-// scalar_ops.h - the operations of the plain scalar rows, written once over the description of one value
-// (scalar_values.h). Text forms stand in scalar_text.h.
+// scalar_ops.h - the operations of the rows of plain values of fixed size, written once over the description of one
+// value: the scalars (scalar_values.h), integers, booleans, seals and the nullable scalars (…_ops.h).
 #ifndef KT_OPS_SCALAR_OPS_H
 #define KT_OPS_SCALAR_OPS_H
 
 #include "kttypdsc.h"
+#include "ops/illegal_ops.h"
+#include "ops/run_compare.h"
 #include "ops/run_hash.h"
 #include "ops/scalar_values.h"
 #include "ops/string_array.h"
@@ -21,19 +23,40 @@ namespace kt {
 // is called). Freed by std::free.
 void* allocateValues(unsigned long count, unsigned long size, bool cleared);
 
+// The same, zeroed; two and more values stand behind a 32-bit word that holds count, the last 4 bytes of a prefix as
+// large as the alignment and 4 at least. Freed by freeCounted with the same count.
+void* allocateCounted(unsigned long count, unsigned long size, unsigned long alignment);
+void freeCounted(void* values, unsigned long count, unsigned long alignment);
+
 // For types without a null value.
 int neverNull(void* value);
 
-template <class V>
+// How a type's arrays are made.
+template <class Memory, bool kZeroed>
+struct PlainArrays {
+  static void* create(unsigned long count) { return allocateValues(count, sizeof(Memory), kZeroed); }
+  static void destroy(void* values, unsigned long) { std::free(values); }
+};
+
+template <class Memory>
+struct CountedArrays {
+  static void* create(unsigned long count) { return allocateCounted(count, sizeof(Memory), alignof(Memory)); }
+  static void destroy(void* values, unsigned long count) { freeCounted(values, count, alignof(Memory)); }
+};
+
+// Characters start as zeros, other scalars as they come.
+template <class Memory>
+using ScalarArrays = PlainArrays<Memory, sizeof(Memory) == 1>;
+
+template <class V, class Arrays = ScalarArrays<typename V::Memory>>
 struct ScalarOps {
   using Memory = typename V::Memory;
   static constexpr unsigned long kSize = sizeof(Memory);
-  static constexpr bool kCleared = kSize == 1;  // characters start as zeros, other scalars as they come
 
-  static void* create(unsigned long count) { return allocateValues(count, kSize, kCleared); }
+  static void* create(unsigned long count) { return Arrays::create(count); }
 
-  static void* destroy(void* values, unsigned long) {
-    std::free(values);
+  static void* destroy(void* values, unsigned long count) {
+    Arrays::destroy(values, count);
     return nullptr;
   }
 
@@ -55,6 +78,21 @@ struct ScalarOps {
     auto* out = static_cast<unsigned char*>(dst);
     for (unsigned long i = 0; i < count; ++i) std::memcpy(out + i * kSize, value, kSize);
   }
+  static constexpr KtCopyFunc copy = &assign;
+
+  static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count) {
+    return V::store(dst, src, format, count);
+  }
+
+  static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count) {
+    return V::load(dst, src, format, count);
+  }
+
+  static unsigned long nullSizeGet(unsigned long count) { return V::fileSize(kOrdinaryDiskForm, count); }
+
+  static unsigned long sizeGet(const void*, unsigned char, unsigned char format, unsigned long count) {
+    return V::fileSize(format, count);
+  }
 
   static unsigned long sizeGetFromMemFile(MemFile*, unsigned char format, unsigned long count) {
     return V::fileSize(format, count);
@@ -71,6 +109,13 @@ struct ScalarOps {
         });
   }
 
+  static long compare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                      unsigned short, unsigned long count, int& status) {
+    return compareOperation<V>(format, lengthA, a, lengthB, b, count, status);
+  }
+
+  static constexpr KtEvalAndBoundFunc evalAndBound = &IllegalOps::evalAndBound;
+
   static unsigned long hash(unsigned char format, unsigned long length, void* values, unsigned long count,
                             int& status) {
     return hashOperation<V>(format, length, values, count, status);
@@ -84,14 +129,38 @@ struct ScalarOps {
   static void* convertFrom(KtTypeConvertData* data, unsigned long count) {
     auto* values = static_cast<unsigned char*>(create(count));
     for (unsigned long i = 0; values != nullptr && i < count; ++i) {
-      const KtString* text = stringAt(data, i);
-      const Memory value = V::fromText(text != nullptr ? *text : KtString::EmptyString());
+      const Memory value = fromText(stringAt(data, i));
       std::memcpy(values + i * kSize, &value, kSize);
     }
     return values;
   }
 
   static void* defaultValue(unsigned long count, int) { return convertEmptyStrings(&convertFrom, count); }
+
+  static constexpr KtIsNullFunc isNull = &neverNull;
+  static constexpr KtSetNullFunc kSetNull = nullptr;
+
+  // One value, whatever count is: the manager goes through runs.
+  static KtString& print(KtString& out, void* values, const char* format, unsigned long) {
+    if (values != nullptr) V::print(out, values, format);
+    return out;
+  }
+
+  static void* scan(void* values, KtString& in, const char* format, unsigned long) {
+    if (values != nullptr) V::scan(values, in, format);
+    return values;
+  }
+
+private:
+  // A missing or null string converts as an empty one, unless the type says otherwise.
+  static Memory fromText(const KtString* text) {
+    if (text != nullptr) return V::fromText(*text);
+    if constexpr (requires { V::fromNoText(); }) {
+      return V::fromNoText();
+    } else {
+      return V::fromText(KtString::EmptyString());
+    }
+  }
 };
 
 }  // namespace kt

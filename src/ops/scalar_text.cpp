@@ -3,46 +3,45 @@
 #include "ktstring.h"
 #include "ops/scalar_values.h"
 #include "text/number_format.h"
+#include "values/narrow_text.h"
 
 #include <cstring>
 
 namespace kt {
 namespace {
 
-// The text of `in` in 8-bit characters; `copy` holds it when it has to be converted.
-const char* narrowText(const KtString& in, KtString& copy, unsigned long& length) {
-  const KtString* source = &in;
-  if (in.CharSize() != 1) {
-    copy += in;
-    source = &copy;
-  }
-  length = source->Len();
-  return source->StrGet();
-}
-
 // 7-bit printable characters: what every locale agrees on.
 bool isPrintable(unsigned char ch) { return ch >= 0x20 && ch < 0x7F; }
 
 // Scans `in` by scan(text, length) into a value of another width and keeps the bits that are stored.
 template <class Stored, class Number, class Scan>
-void* scanValue(void* values, const KtString& in, Number number, Scan scan) {
-  if (values == nullptr) return nullptr;
-  KtString copy;
-  unsigned long length;
-  const char* text = narrowText(in, copy, length);
-  if (scan(text, length, number)) {
-    const auto stored = static_cast<Stored>(number);
-    std::memcpy(values, &stored, sizeof stored);
-  }
-  return values;
+bool scanValue(void* value, const KtString& in, Number number, Scan scan) {
+  const NarrowText text(in);
+  if (!scan(text.begin(), text.length(), number)) return false;
+  const auto stored = static_cast<Stored>(number);
+  std::memcpy(value, &stored, sizeof stored);
+  return true;
 }
 
 template <class Stored>
-void* scanStoredInteger(void* values, const KtString& in, const char* format) {
-  return scanValue<Stored>(values, in, std::uint32_t{0},
-                           [format](const char* text, unsigned long length, auto& number) {
-                             return scanInteger(text, length, format, number);
-                           });
+bool scanStoredInteger(void* value, const KtString& in, const char* format) {
+  return scanValue<Stored>(value, in, std::uint32_t{0}, [format](const char* text, unsigned long length, auto& number) {
+    return scanInteger(text, length, format, number);
+  });
+}
+
+bool scanCharacter(unsigned char& value, const char* text, unsigned long length, const char* format) {
+  std::uint32_t code;
+  if (!scanHexCode(text, length, code) && !scanInteger(text, length, format, code)) return false;
+  value = static_cast<unsigned char>(code);
+  return true;
+}
+
+// The body of a row's scan.
+template <bool (*kScan)(void*, const KtString&, const char*)>
+void* scanFirst(void* values, const KtString& in, const char* format) {
+  if (values != nullptr) kScan(values, in, format);
+  return values;
 }
 
 template <class Stored>
@@ -73,34 +72,42 @@ KtString& printChars(KtString& out, void* values, const char* format, unsigned l
 
 void* scanChars(void* values, KtString& in, const char* format, unsigned long count) {
   if (values == nullptr) return nullptr;
-  KtString copy;
-  unsigned long length;
-  const char* text = narrowText(in, copy, length);
+  const NarrowText text(in);
   auto* chars = static_cast<unsigned char*>(values);
   // One character of text an element, even behind a number of several digits.
-  for (unsigned long i = 0; i < count && i < length; ++i) {
-    std::uint32_t code;
-    if (scanHexCode(text + i, length - i, code) || scanInteger(text + i, length - i, format, code)) {
-      chars[i] = static_cast<unsigned char>(code);
-    }
+  for (unsigned long i = 0; i < count && i < text.length(); ++i) {
+    scanCharacter(chars[i], text.begin() + i, text.length() - i, format);
   }
   return values;
+}
+
+bool scanCharValue(void* value, const KtString& in, const char* format) {
+  const NarrowText text(in);
+  return text.length() != 0 && scanCharacter(*static_cast<unsigned char*>(value), text.begin(), text.length(), format);
 }
 
 KtString& printShort(KtString& out, void* values, const char* format, unsigned long) {
   return printStoredInteger<std::int16_t>(out, values, format);
 }
 
+bool scanShortValue(void* value, const KtString& in, const char* format) {
+  return scanStoredInteger<std::uint16_t>(value, in, format);
+}
+
 void* scanShort(void* values, KtString& in, const char* format, unsigned long) {
-  return scanStoredInteger<std::uint16_t>(values, in, format);
+  return scanFirst<scanShortValue>(values, in, format);
 }
 
 KtString& printLong(KtString& out, void* values, const char* format, unsigned long) {
   return printStoredInteger<std::int32_t>(out, values, format);
 }
 
+bool scanLongValue(void* value, const KtString& in, const char* format) {
+  return scanStoredInteger<std::uint32_t>(value, in, format);
+}
+
 void* scanLong(void* values, KtString& in, const char* format, unsigned long) {
-  return scanStoredInteger<std::uint32_t>(values, in, format);
+  return scanFirst<scanLongValue>(values, in, format);
 }
 
 KtString& printFloat(KtString& out, void* values, const char* format, unsigned long) {
@@ -110,10 +117,14 @@ KtString& printFloat(KtString& out, void* values, const char* format, unsigned l
   return out = text.text;
 }
 
-void* scanFloat(void* values, KtString& in, const char* format, unsigned long) {
-  return scanValue<float>(values, in, 0.0F, [format](const char* text, unsigned long length, float& number) {
+bool scanFloatValue(void* value, const KtString& in, const char* format) {
+  return scanValue<float>(value, in, 0.0F, [format](const char* text, unsigned long length, float& number) {
     return kt::scanFloat(text, length, format, number);
   });
+}
+
+void* scanFloat(void* values, KtString& in, const char* format, unsigned long) {
+  return scanFirst<scanFloatValue>(values, in, format);
 }
 
 KtString& printDouble(KtString& out, void* values, const char* format, unsigned long) {
@@ -123,10 +134,14 @@ KtString& printDouble(KtString& out, void* values, const char* format, unsigned 
   return out = text.text;
 }
 
-void* scanDouble(void* values, KtString& in, const char* format, unsigned long) {
-  return scanValue<double>(values, in, 0.0, [format](const char* text, unsigned long length, double& number) {
+bool scanDoubleValue(void* value, const KtString& in, const char* format) {
+  return scanValue<double>(value, in, 0.0, [format](const char* text, unsigned long length, double& number) {
     return kt::scanDouble(text, length, format, number);
   });
+}
+
+void* scanDouble(void* values, KtString& in, const char* format, unsigned long) {
+  return scanFirst<scanDoubleValue>(values, in, format);
 }
 
 }  // namespace kt

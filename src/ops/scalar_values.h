@@ -1,23 +1,29 @@
-// scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed and converted.
+// scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed, converted, and
+// printed and scanned by a format (scan tells whether the text matched).
 #ifndef KT_OPS_SCALAR_VALUES_H
 #define KT_OPS_SCALAR_VALUES_H
 
 #include "ktstring.h"
 #include "ops/format_code.h"
 #include "ops/kernels.h"
+#include "ops/scalar_text.h"
 
 #include <ktbs.h>
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
 namespace kt {
 
+// Made of its bytes: no constructor runs (that of a date would read the clock).
 template <class Memory>
 inline Memory readValue(const void* p) {
-  Memory value;
+  struct {
+    unsigned char bytes[sizeof(Memory)];
+  } value;
   std::memcpy(&value, p, sizeof value);
-  return value;
+  return std::bit_cast<Memory>(value);
 }
 
 constexpr std::uint16_t swapBytes(std::uint16_t v) { return static_cast<std::uint16_t>(v >> 8 | v << 8); }
@@ -67,6 +73,8 @@ struct ByteFamily : ScalarCompare<ByteFamily<Memory>, Memory> {
   // The code as a signed number: a byte of 200 is "-56".
   static KtString toText(Memory v) { return KtString(static_cast<short>(static_cast<signed char>(v))); }
   static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<short>(s)); }
+  static void print(KtString& out, void* value, const char* format) { printChars(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanCharValue(value, in, format); }
 };
 using CharValue = ByteFamily<std::int8_t>;
 using ByteValue = ByteFamily<std::uint8_t>;
@@ -88,6 +96,8 @@ struct ShortFamily : ScalarCompare<ShortFamily<Memory>, Memory> {
   }
   static KtString toText(Memory v) { return KtString(static_cast<short>(v)); }
   static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<short>(s)); }
+  static void print(KtString& out, void* value, const char* format) { printShort(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanShortValue(value, in, format); }
 };
 using ShortValue = ShortFamily<std::int16_t>;
 using WordValue = ShortFamily<std::uint16_t>;
@@ -116,6 +126,8 @@ struct LongFamily : ScalarCompare<LongFamily<Memory>, Memory> {
   // Unsigned values above 2,147,483,647 read as negative numbers.
   static KtString toText(Memory v) { return KtString(static_cast<long>(static_cast<std::int32_t>(v))); }
   static Memory fromText(const KtString& s) { return static_cast<Memory>(storedLong(s)); }
+  static void print(KtString& out, void* value, const char* format) { printLong(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanLongValue(value, in, format); }
 };
 using LongValue = LongFamily<std::int32_t>;
 using DwordValue = LongFamily<std::uint32_t>;
@@ -161,6 +173,8 @@ struct IntFamily {
   }
   static KtString toText(Memory v) { return KtString(static_cast<int>(v)); }
   static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<int>(s)); }
+  static void print(KtString& out, void* value, const char* format) { printLong(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanLongValue(value, in, format); }
 };
 using IntValue = IntFamily<std::int32_t, false>;
 using UnsignedValue = IntFamily<std::uint32_t, true>;
@@ -182,6 +196,8 @@ struct FloatValue : ScalarCompare<FloatValue, float> {
   }
   static KtString toText(float v) { return KtString(static_cast<double>(v)); }
   static float fromText(const KtString& s) { return static_cast<float>(static_cast<double>(s)); }
+  static void print(KtString& out, void* value, const char* format) { printFloat(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanFloatValue(value, in, format); }
 };
 
 struct DoubleValue : ScalarCompare<DoubleValue, double> {
@@ -199,42 +215,8 @@ struct DoubleValue : ScalarCompare<DoubleValue, double> {
   }
   static KtString toText(double v) { return KtString(v); }
   static double fromText(const KtString& s) { return s; }
-};
-
-// --- two compares whose rows are more than scalars -----------------------------------------------------------------
-// A 64-bit integer in two 32-bit words, the low one first in every form.
-struct Int64Words {
-  static constexpr bool kEqualBytes = true;
-  static constexpr unsigned long elementSize(unsigned char) { return 8; }
-  static constexpr bool direct(unsigned char code) { return isHostLayout(code); }
-  static long compareDirect(const unsigned char* a, const unsigned char* b) {
-    return threeWay(valueOf(readValue<std::uint32_t>(a), readValue<std::uint32_t>(a + 4)),
-                    valueOf(readValue<std::uint32_t>(b), readValue<std::uint32_t>(b + 4)));
-  }
-  static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
-    return threeWay(loadOne(code, a), loadOne(code, b));
-  }
-
-private:
-  static std::int64_t valueOf(std::uint32_t low, std::uint32_t high) {
-    return static_cast<std::int64_t>(static_cast<std::uint64_t>(high) << 32 | low);
-  }
-  static std::int64_t loadOne(unsigned char code, const unsigned char* p) {
-    std::uint32_t words[2] = {0, 0};
-    LongStore(words, p, code, 2);
-    return valueOf(words[0], words[1]);
-  }
-};
-
-// A boolean byte: 255 is null, the others order by the rules of KtBoolean's < and >, which are not each other's
-// opposite for bytes other than 0 and 1.
-struct BooleanByte {
-  static constexpr unsigned char kNull = 255;
-  static constexpr bool kEqualBytes = true;
-  static constexpr unsigned long elementSize(unsigned char) { return 1; }
-  static constexpr bool direct(unsigned char) { return true; }
-  static long compareDirect(const unsigned char* a, const unsigned char* b);
-  static long compareDisk(unsigned char, const unsigned char* a, const unsigned char* b) { return compareDirect(a, b); }
+  static void print(KtString& out, void* value, const char* format) { printDouble(out, value, format, 1); }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanDoubleValue(value, in, format); }
 };
 
 }  // namespace kt

@@ -6,9 +6,16 @@
 
 #include "ktstring.h"
 #include "kttypops.h"
+#include "ops/boolean_ops.h"
+#include "ops/identity_ops.h"
+#include "ops/date_ops.h"
 #include "ops/illegal_ops.h"
+#include "ops/int64_ops.h"
+#include "ops/nullable_ops.h"
+#include "ops/odmg_ops.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_text.h"
+#include "ops/seal_ops.h"
 #include "ops/string_ops.h"
 
 #include <ktbs.h>
@@ -168,9 +175,9 @@ constexpr KtTypeDescriptor enumRow() {
   return row;
 }
 
-// A string type. Ops: StringOps or one of its kin (string_ops.h).
+// A type whose operations are all of one family, Ops, which names them as the fields.
 template <class Ops>
-constexpr KtTypeDescriptor stringRow(const char* name) {
+constexpr KtTypeDescriptor rowOf(const char* name, unsigned short memLen, const char* format) {
   return {.Name = name,
           .Create = Ops::create,
           .Delete = Ops::destroy,
@@ -191,13 +198,45 @@ constexpr KtTypeDescriptor stringRow(const char* name) {
           .Translate = Ops::translate,
           .IsNull = Ops::isNull,
           .SetNull = Ops::kSetNull,
-          .Format = "%s",
+          .Format = format,
           .PrintToKtString = Ops::print,
           .ScanFromKtString = Ops::scan,
-          .MemLen = sizeof(KtString),
-          .IsFixed = 0,
+          .MemLen = memLen,
+          .IsFixed = 1,
           .DefaultValue = Ops::defaultValue,
           .Reserved = nullptr};
+}
+
+template <class Ops>
+constexpr KtTypeDescriptor stringRow(const char* name) {
+  KtTypeDescriptor row = rowOf<Ops>(name, sizeof(KtString), "%s");
+  row.IsFixed = 0;
+  return row;
+}
+
+// The nullable form of the scalar that V describes.
+template <class V>
+constexpr KtTypeDescriptor nullableRow(const char* name, const char* format) {
+  return rowOf<NullableOps<V>>(name, sizeof(typename NullableValue<V>::Memory), format);
+}
+
+constexpr KtTypeDescriptor floatRow() {
+  return scalarRow<FloatValue>("float", {"%f", printFloat, scanFloat}, FloatCompare, floatHelpers());
+}
+
+// A number of seconds: sizes, order, hash and translation are those of floats.
+constexpr KtTypeDescriptor intervalRow() {
+  const KtTypeDescriptor base = floatRow();
+  KtTypeDescriptor row =
+      rowOf<OdmgIntervalOps>("d_Interval", sizeof(d_Interval), "%e days, %I hours, %M minutes, %S seconds");
+  row.NullSizeGet = base.NullSizeGet;
+  row.SizeGet = base.SizeGet;
+  row.SizeGetFromMemFile = base.SizeGetFromMemFile;
+  row.Compare = base.Compare;
+  row.EvalAndBound = base.EvalAndBound;
+  row.Hash = base.Hash;
+  row.Translate = base.Translate;
+  return row;
 }
 
 // The rows by id. Their Compare, Format, PrintToKtString and ScanFromKtString can be exchanged at run time.
@@ -206,7 +245,7 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /*  1 */ shortRow(),
     /*  2 */ longRow(),
     /*  3 */ scalarRow<DoubleValue>("double", {"%lf", printDouble, scanDouble}, DoubleCompare, doubleHelpers()),
-    /*  4 */ scalarRow<FloatValue>("float", {"%f", printFloat, scanFloat}, FloatCompare, floatHelpers()),
+    /*  4 */ floatRow(),
     /*  5 */ unsignedTwin(shortRow(), "KtWord", "%hu", WordCompare, ScalarOps<WordValue>::hash),
     /*  6 */ dwordRow("KtDWord", "%lu"),
     /*  7 */ intRow(),
@@ -214,34 +253,34 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /*  9 */ enumRow(),
     /* 10 */ unsignedTwin(charRow(), "KtByte", "%c", ByteCompare, ScalarOps<ByteValue>::hash),
     /* 11 */ stringRow<StringOps>("KtString"),
-    /* 12 */ borrowedRow("KtDate", 4, "%a %e.%b %Y", Null::kYes),
-    /* 13 */ borrowedRow("KtTime", 3, "%I:%M:%S %p", Null::kYes),
+    /* 12 */ rowOf<KtDateOps>("KtDate", sizeof(KtDate), "%a %e.%b %Y"),
+    /* 13 */ rowOf<KtTimeOps>("KtTime", sizeof(KtTime), "%I:%M:%S %p"),
     /* 14 */ dwordRow("BlockId", "#%lu"),
-    /* 15 */ borrowedRow("KtObjId", 12, "(%H-%L#%B)", Null::kYes),
-    /* 16 */ borrowedRow("KtClassId", 4, "(%Cv%V)", Null::kYes),
-    /* 17 */ borrowedRow("KtRef", 20, "(%D:%H-%L#%B, %C)", Null::kYes),
+    /* 15 */ rowOf<ObjIdOps>("KtObjId", sizeof(KtObjId), kObjIdFormat),
+    /* 16 */ rowOf<ClassIdOps>("KtClassId", sizeof(KtClassId), kClassIdFormat),
+    /* 17 */ rowOf<RefOps>("KtRef", sizeof(KtRef), kRefFormat),
     /* 18 */ borrowedRow("KtBlob", sizeof(void*), "[BLOB,len=%L]", Null::kYes, Length::kVariable),
-    /* 19 */ borrowedRow("KtDateTime", 8, "%a %e.%b %Y %I:%M:%S %p", Null::kYes),
+    /* 19 */ rowOf<KtDateTimeOps>("KtDateTime", sizeof(KtDateTime), "%a %e.%b %Y %I:%M:%S %p"),
     /* 20 */ stringRow<IStringOps>("KtIString"),
     /* 21 */ stringRow<CaseIStringOps>("KtCaseIString"),
-    /* 22 */ borrowedRow("d_Date", 4, "%a %b %e", Null::kNo),
-    /* 23 */ borrowedRow("d_Time", 6, "%I:%M:%S %p", Null::kNo),
-    /* 24 */ borrowedRow("d_Timestamp", 10, "%a %b %e %I:%M:%S %p", Null::kNo),
-    /* 25 */ borrowedRow("d_Interval", 4, "%e days, %I hours, %M minutes, %S seconds", Null::kNo),
-    /* 26 */ borrowedRow("KtInt64", 8, "%S", Null::kNo),
-    /* 27 */ borrowedRow("KtBoolean", 1, "noop", Null::kYes),
-    /* 28 */ borrowedRow("KtNull_char", 2, "%c", Null::kYes),
-    /* 29 */ borrowedRow("KtNull_uchar", 2, "%c", Null::kYes),
-    /* 30 */ borrowedRow("KtNull_short", 4, "%hd", Null::kYes),
-    /* 31 */ borrowedRow("KtNull_ushort", 4, "%hu", Null::kYes),
-    /* 32 */ borrowedRow("KtNull_int", 8, "%d", Null::kYes),
-    /* 33 */ borrowedRow("KtNull_unsigned", 8, "%u", Null::kYes),
-    /* 34 */ borrowedRow("KtNull_long", 8, "%ld", Null::kYes),
-    /* 35 */ borrowedRow("KtNull_ulong", 8, "%lu", Null::kYes),
-    /* 36 */ borrowedRow("KtNull_float", 8, "%f", Null::kYes),
-    /* 37 */ borrowedRow("KtNull_double", 16, "%lf", Null::kYes),
-    /* 38 */ borrowedRow("KtNull_KtInt64", 12, "%S", Null::kYes),
-    /* 39 */ borrowedRow("KtSeal", 6, "noop", Null::kNo),
+    /* 22 */ rowOf<OdmgDateOps>("d_Date", sizeof(d_Date), "%a %b %e"),
+    /* 23 */ rowOf<OdmgTimeOps>("d_Time", sizeof(d_Time), "%I:%M:%S %p"),
+    /* 24 */ rowOf<OdmgTimestampOps>("d_Timestamp", sizeof(d_Timestamp), "%a %b %e %I:%M:%S %p"),
+    /* 25 */ intervalRow(),
+    /* 26 */ rowOf<Int64Ops>("KtInt64", sizeof(KtInt64), "%S"),
+    /* 27 */ rowOf<BooleanOps>("KtBoolean", sizeof(KtBoolean), "noop"),
+    /* 28 */ nullableRow<CharValue>("KtNull_char", "%c"),
+    /* 29 */ nullableRow<ByteValue>("KtNull_uchar", "%c"),
+    /* 30 */ nullableRow<ShortValue>("KtNull_short", "%hd"),
+    /* 31 */ nullableRow<WordValue>("KtNull_ushort", "%hu"),
+    /* 32 */ nullableRow<IntValue>("KtNull_int", "%d"),
+    /* 33 */ nullableRow<UnsignedValue>("KtNull_unsigned", "%u"),
+    /* 34 */ nullableRow<LongValue>("KtNull_long", "%ld"),
+    /* 35 */ nullableRow<DwordValue>("KtNull_ulong", "%lu"),
+    /* 36 */ nullableRow<FloatValue>("KtNull_float", "%f"),
+    /* 37 */ nullableRow<DoubleValue>("KtNull_double", "%lf"),
+    /* 38 */ nullableRow<Int64Value>("KtNull_KtInt64", "%S"),
+    /* 39 */ rowOf<SealOps>("KtSeal", sizeof(KtSeal), "noop"),
     /* 40 */ illegalRow("illegal", 0, "illegal"),
 };
 
@@ -258,13 +297,13 @@ constexpr IdMap mapIds(int count, KtTypeDescriptor* stringRow) {
   return map;
 }
 
-constexpr IdMap currentTable = mapIds(KtTYPE_COUNT, &rows[KT_ID_KtString]);
-constexpr IdMap legacyTable = mapIds(KtLEGACY_TYPE_COUNT, &legacyStringRow);
+constexpr IdMap kCurrentTable = mapIds(KtTYPE_COUNT, &rows[KT_ID_KtString]);
+constexpr IdMap kLegacyTable = mapIds(KtLEGACY_TYPE_COUNT, &legacyStringRow);
 
 }  // namespace
 
-TypeTable currentTypeTable() { return currentTable.data(); }
-TypeTable legacyTypeTable() { return legacyTable.data(); }
-int typeCount(TypeTable table) { return table == currentTable.data() ? KtTYPE_COUNT : KtLEGACY_TYPE_COUNT; }
+TypeTable currentTypeTable() { return kCurrentTable.data(); }
+TypeTable legacyTypeTable() { return kLegacyTable.data(); }
+int typeCount(TypeTable table) { return table == kCurrentTable.data() ? KtTYPE_COUNT : KtLEGACY_TYPE_COUNT; }
 
 }  // namespace kt

@@ -44,6 +44,14 @@ constexpr std::uint64_t kLanes = ~std::uint64_t{0} / static_cast<T>(~T{0});  // 
 template <class T>
 constexpr std::uint64_t kBeyondAscii = kLanes<T>*(static_cast<T>(~T{0}) - 0x7F);
 
+// Vectors, because compilers turn short loops into scalar code before they look for vectors.
+template <class T, unsigned long lanes>
+struct VectorOf {
+  using Type [[gnu::vector_size(sizeof(T) * lanes)]] = T;
+};
+template <class T, unsigned long lanes>
+using Vector = typename VectorOf<T, lanes>::Type;
+
 std::uint64_t wordAt(const void* p) {
   std::uint64_t word;
   std::memcpy(&word, p, sizeof word);
@@ -54,21 +62,31 @@ std::uint64_t wordAt(const void* p) {
 // written: taking 1 from the lanes gives them high bits too (and, by the borrow, none to a word that has no zero).
 template <class In, unsigned long count, bool zeroStops>
 [[gnu::always_inline]] inline bool isPlain(const char* in) {
-  std::uint64_t high = 0;
-  for (unsigned long i = 0; i < count * sizeof(In); i += sizeof high) {
-    const std::uint64_t word = wordAt(in + i);
-    high |= zeroStops ? word | (word - kLanes<In>) : word;
+  constexpr unsigned long kWords = count * sizeof(In) / sizeof(std::uint64_t);
+  constexpr unsigned long kWidth = kWords < 4 || !zeroStops ? 1 : 4;
+  Vector<std::uint64_t, kWidth> high{};
+  for (unsigned long i = 0; i < kWords; i += kWidth) {
+    Vector<std::uint64_t, kWidth> words;
+    std::memcpy(&words, in + i * sizeof(std::uint64_t), sizeof words);
+    high |= zeroStops ? words | (words - kLanes<In>) : words;
   }
-  return (high & kBeyondAscii<In>) == 0;
+  std::uint64_t all = 0;
+  for (unsigned long lane = 0; lane < kWidth; ++lane) all |= high[lane];
+  return (all & kBeyondAscii<In>) == 0;
 }
 
 template <class In, class Out, unsigned long count>
 [[gnu::always_inline]] inline void moveBlock(char* __restrict out, const char* __restrict in) {
-  for (unsigned long i = 0; i < count; ++i) {
-    In from;
-    std::memcpy(&from, in + i * sizeof from, sizeof from);
-    const auto to = static_cast<Out>(from);
-    std::memcpy(out + i * sizeof to, &to, sizeof to);
+  if constexpr (sizeof(In) < sizeof(Out) && count == kBlock) {  // widening is the one long loop they do well
+    for (unsigned long i = 0; i < count; ++i) putUnit(out, i, sizeof(Out), unitAt(in, i, sizeof(In)));
+    return;
+  }
+  constexpr unsigned long kLaneCount = count < kSmallBlock ? count : kSmallBlock;
+  for (unsigned long i = 0; i < count; i += kLaneCount) {
+    Vector<In, kLaneCount> from;
+    std::memcpy(&from, in + i * sizeof(In), sizeof from);
+    const auto to = __builtin_convertvector(from, Vector<Out, kLaneCount>);
+    std::memcpy(out + i * sizeof(Out), &to, sizeof to);
   }
 }
 
@@ -175,9 +193,9 @@ Byte byteAt(const char* in, unsigned long i) { return static_cast<Byte>(in[i]); 
 // Decodes from a point on up to which all is ASCII. The counts stay in registers: a store through out could alias them
 // anywhere else.
 Utf8Decoded decodeMixed(char* out, unsigned long room, const char* in, unsigned long n, unsigned long limit,
-                        bool zeroEnds, unsigned long first) {
-  unsigned long pos = first;
-  unsigned long units = first;
+                        bool zeroEnds, unsigned long start) {
+  unsigned long pos = start;
+  unsigned long units = start;
   while (pos < limit && units < room) {
     if (limit - pos >= kSmallBlock && room - units >= kSmallBlock) {
       const unsigned long plain = widenSixteen(out + 2 * units, in + pos);
@@ -237,26 +255,23 @@ constexpr std::uint32_t lowByteFirst(std::uint32_t word) {
   return kHostIsBig ? (word << 24) | ((word & 0xFF00) << 8) | ((word >> 8) & 0xFF00) | (word >> 24) : word;
 }
 
-// The bytes of a unit, the first one lowest.
-[[gnu::always_inline]] inline std::uint32_t sequenceWord(std::uint32_t unit) {
-  const std::uint32_t two = 0x80C0u | (unit >> 6) | ((unit & kPayload) << 8);
-  const std::uint32_t three = 0x8080E0u | (unit >> 12) | ((unit << 2) & (kPayload << 8)) | ((unit & kPayload) << 16);
-  return unit > 0x7FF ? three : unit > 0x7F ? two : unit;
-}
-
-// Eight units at once without a branch on what they are: all sequences side by side, then one store each, of which the
-// next one overwrites what is too much.
+// Eight units at once without a branch on what they are: all sequences side by side (first byte lowest), then one store
+// each, of which the next one overwrites what is too much.
 [[gnu::always_inline]] inline unsigned long encodeEight(char* out, const char* in) {
-  std::uint32_t words[8];
-  std::uint32_t sizes[8];
-  for (unsigned long i = 0; i < 8; ++i) {
-    const std::uint32_t unit = unitAt(in, i, 2);
-    words[i] = lowByteFirst(sequenceWord(unit));
-    sizes[i] = 1u + (unit > 0x7F ? 1u : 0u) + (unit > 0x7FF ? 1u : 0u);
-  }
+  using Words = Vector<std::uint32_t, 8>;
+  Vector<Unit, 8> units;
+  std::memcpy(&units, in, sizeof units);
+  const Words one = __builtin_convertvector(units, Words);
+  const Words two = 0x80C0u | (one >> 6) | ((one & kPayload) << 8);
+  const Words three = 0x8080E0u | (one >> 12) | ((one << 2) & (kPayload << 8)) | ((one & kPayload) << 16);
+  const Words beyondOne = __builtin_convertvector(one > 0x7Fu, Words);  // all bits of a lane, or none
+  const Words beyondTwo = __builtin_convertvector(one > 0x7FFu, Words);
+  const Words words = (one & ~beyondOne) | (two & beyondOne & ~beyondTwo) | (three & beyondTwo);
+  const Words sizes = 1u - beyondOne - beyondTwo;
   unsigned long bytes = 0;
   for (unsigned long i = 0; i < 8; ++i) {
-    std::memcpy(out + bytes, &words[i], sizeof words[i]);
+    const std::uint32_t word = lowByteFirst(words[i]);
+    std::memcpy(out + bytes, &word, sizeof word);
     bytes += sizes[i];
   }
   return bytes;

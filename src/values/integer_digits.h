@@ -27,7 +27,9 @@ inline std::uint64_t bigEndian(std::uint64_t word) {
 
 // base^8: what eight digits count up to.
 template <unsigned kBase>
-constexpr std::uint64_t kEightDigits = kBase == 10 ? 100000000u : kBase == 8 ? 1u << 24 : std::uint64_t{1} << 32;
+constexpr std::uint64_t kEightDigits = kBase == 10  ? 100000000u
+                                       : kBase == 8 ? 1u << 24
+                                                    : std::uint64_t{1} << 32;
 
 // The digits of a number below kEightDigits, as numbers. Halves, then quarters, then single digits move apart.
 template <unsigned kBase>
@@ -59,19 +61,22 @@ inline std::uint64_t digitCharacters(std::uint64_t digits, unsigned letterGap) {
 
 constexpr unsigned kMaxDigits = 24;  // three words; 2^64 has 22 digits in base 8
 
-// Writes the digits right-aligned in front of `end`, padded to whole words; returns the first digit's address. Zero has
-// one digit.
+// Writes the digits right-aligned in front of `end`, padded to kMaxDigits; returns the first digit's address. Zero has
+// one digit. All words are made, whatever the number: lengths vary, and a wrong guess costs more than a word.
 template <unsigned kBase>
 inline char* writeDigits(char* end, std::uint64_t number, unsigned letterGap) {
-  for (;;) {
-    const bool isFirst = number < kEightDigits<kBase>;
-    const std::uint64_t digits = splitDigits<kBase>(isFirst ? number : number % kEightDigits<kBase>);
+  constexpr unsigned kWords = kBase == 16 ? 2 : 3;
+  unsigned zeros = 8 * kWords - 1;  // in front of the digits
+  for (unsigned i = 0; i < kWords; ++i) {
+    const std::uint64_t digits = splitDigits<kBase>(number % kEightDigits<kBase>);
     const std::uint64_t characters = bigEndian(digitCharacters(digits, letterGap));
     end -= 8;
     std::memcpy(end, &characters, 8);
-    if (isFirst) return end + std::countl_zero(digits | 1) / 8;
+    const unsigned ahead = 8 * (kWords - 1 - i) + static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
+    zeros = digits != 0 ? ahead : zeros;
     number /= kEightDigits<kBase>;
   }
+  return end + zeros;
 }
 
 // --- digits to numbers ---------------------------------------------------------------------------------------------

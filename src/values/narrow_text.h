@@ -3,6 +3,7 @@
 #define KT_NARROW_TEXT_H
 
 #include "ktstring.h"
+#include "text/string_block.h"
 
 #include <cstring>
 #include <optional>
@@ -15,8 +16,9 @@ public:
   explicit NarrowText(const KtString& in) {
     const KtString* source = &in;
     if (in.CharSize() != 1) source = &(copy_.emplace() += in);
-    length_ = source->Len();
-    text_ = source->StrGet();
+    const bool isPlain = source->buffer != nullptr && !mayHoldZero(source->buffer, source->bufferSize);
+    length_ = isPlain ? source->bufferSize - 1u : source->Len();
+    text_ = isPlain ? source->buffer : source->StrGet();
   }
   NarrowText(const NarrowText&) = delete;
   NarrowText& operator=(const NarrowText&) = delete;

@@ -33,7 +33,8 @@ inline char* blockFor(KtString& s, unsigned long size) {
 // The string becomes `bytes` bytes (at least one character, at most 65,532 bytes) of a text that does not lie in it, in
 // the host's order and in the given code set and language. The text may hold zeros. When memory runs out the string
 // stays as it was.
-inline void takeText(KtString& s, const char* text, unsigned long bytes, unsigned char codeSet, unsigned char language) {
+inline void takeText(KtString& s, const char* text, unsigned long bytes, unsigned char codeSet,
+                     unsigned char language) {
   const unsigned long charSize = KtCodeSet::CharSizeOf(codeSet);
   const unsigned long size = bytes + charSize;
   char* block = blockFor(s, size);

@@ -1,0 +1,40 @@
+#include "run.h"
+
+#include <stdexcept>
+
+namespace {
+
+constexpr unsigned char kUnicode = 253;
+constexpr unsigned char kNeutral = 0;
+
+}  // namespace
+
+std::string utf8Of(const KtString& text) {
+  std::string utf8(static_cast<std::size_t>(text.Len()) * 3 + 1, '\0');
+  const long bytes = KtString2KtMBS(text, utf8.data(), static_cast<long>(utf8.size()));
+  utf8.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
+  return utf8;
+}
+
+void Run::set(unsigned long i, const std::string& utf8, unsigned char language) {
+  if (utf8.empty()) {
+    mgr_.SetNullValue(id_, at(i));
+    return;
+  }
+  KtString in(kUnicode, language);
+  if (KtMBS2KtString(utf8.data(), in, static_cast<long>(utf8.size())) < 0) {
+    throw std::runtime_error("not UTF-8: " + utf8);
+  }
+  mgr_.ScanFromKtString(id_, at(i), in, nullptr, 1);
+}
+
+std::string Run::text(unsigned long i, const char* format) const {
+  KtString out(kUnicode, kNeutral);  // an 8-bit string would lose what its code set lacks
+  return utf8Of(mgr_.PrintToKtString(id_, out, at(i), format, 1));
+}
+
+unsigned long Run::nulls() const {
+  unsigned long nulls = 0;
+  for (unsigned long i = 0; i < count_; ++i) nulls += mgr_.IsNullValue(id_, at(i)) != 0 ? 1 : 0;
+  return nulls;
+}

@@ -1,0 +1,68 @@
+#include "table.h"
+
+#include "../common/csv.h"
+
+#include <algorithm>
+#include <fstream>
+#include <numeric>
+
+namespace {
+
+constexpr unsigned char kEnglish = 1;
+
+// Where each column of the schema stands in the file.
+std::vector<std::size_t> findColumns(const std::vector<std::string>& header, const std::vector<Column>& schema,
+                                     const std::string& file) {
+  std::vector<std::size_t> positions;
+  for (const Column& column : schema) {
+    const auto found = std::find(header.begin(), header.end(), column.name);
+    if (found == header.end()) throw std::runtime_error(file + ": no column named " + column.name);
+    positions.push_back(static_cast<std::size_t>(found - header.begin()));
+  }
+  return positions;
+}
+
+std::vector<std::vector<std::string>> readRecords(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw std::runtime_error(file + ": cannot be read");
+  examples::CsvReader reader(in);
+  std::vector<std::vector<std::string>> records;
+  for (std::vector<std::string> fields; reader.next(fields);) records.push_back(fields);
+  if (records.size() < 2) throw std::runtime_error(file + ": holds no rows");
+  return records;
+}
+
+}  // namespace
+
+Table::Table(KtTypeMgr& mgr, const std::string& file, const std::vector<Column>& schema) : schema_(schema) {
+  const auto records = readRecords(file);
+  const auto positions = findColumns(records.front(), schema, file);
+  const unsigned long rows = records.size() - 1;
+  for (std::size_t c = 0; c < schema.size(); ++c) {
+    char id;
+    if (mgr.Name2KtTypeId(schema[c].type, id) != 0) throw std::runtime_error(std::string("no type ") + schema[c].type);
+    columns_.push_back(std::make_unique<Run>(mgr, id, rows));
+    for (unsigned long r = 0; r < rows; ++r) {
+      const auto& record = records[r + 1];
+      if (positions[c] >= record.size())
+        throw std::runtime_error(file + ": record " + std::to_string(r + 2) + " is short");
+      columns_.back()->set(r, record[positions[c]], kEnglish);
+    }
+  }
+}
+
+Run& Table::run(const std::string& name) const {
+  const auto found = std::find_if(schema_.begin(), schema_.end(), [&](const Column& c) { return name == c.name; });
+  if (found == schema_.end()) throw std::runtime_error("no column named " + name);
+  return *columns_[static_cast<std::size_t>(found - schema_.begin())];
+}
+
+std::vector<unsigned long> sortedBy(KtTypeMgr& mgr, const Run& run, bool descending) {
+  std::vector<unsigned long> order(run.count());
+  std::iota(order.begin(), order.end(), 0ul);
+  std::stable_sort(order.begin(), order.end(), [&](unsigned long a, unsigned long b) {
+    const long result = mgr.Cmp(run.id(), run.at(a), run.at(b), KtCMP_NO_WILDCARDS, 1, 8);
+    return descending ? result > 0 : result < 0;
+  });
+  return order;
+}

@@ -1,0 +1,43 @@
+#include "ops/boolean_ops.h"
+
+#include <algorithm>
+
+namespace kt {
+
+// 0 for false, 1 for every true byte, 255 for null.
+std::uint32_t BooleanValue::hashWords(unsigned char, const unsigned char* p, unsigned long n) {
+  unsigned char trues = 0;
+  unsigned char nulls = 0;
+  for (unsigned long i = 0; i < n; ++i) {
+    nulls = static_cast<unsigned char>(nulls ^ (p[i] == 255));
+    trues = static_cast<unsigned char>(trues ^ (p[i] != 0 && p[i] != 255));
+  }
+  return trues ^ (nulls * 255u);
+}
+
+KtString BooleanValue::toText(KtBoolean v) {
+  KtString text;
+  v.PrintToKtString(text);
+  return text;
+}
+
+KtBoolean BooleanValue::fromText(const KtString& s) {
+  KtBoolean value;
+  value.ScanFromKtString(s);
+  return value;
+}
+
+bool BooleanValue::scan(void* value, const KtString& in, const char*) {
+  static_cast<KtBoolean*>(value)->ScanFromKtString(in);
+  return true;
+}
+
+void* BooleanOps::defaultValue(unsigned long count, int asNull) {
+  if (asNull == 0) return ScalarOps::defaultValue(count, 0);
+  auto* values = static_cast<KtBoolean*>(create(count));
+  if (values == nullptr) return nullptr;
+  std::for_each_n(values, count == 0 ? 1 : count, [](KtBoolean& value) { value.SetNullValue(); });
+  return values;
+}
+
+}  // namespace kt

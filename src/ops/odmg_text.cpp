@@ -1,0 +1,196 @@
+// odmg_text.cpp - the text forms of the ODMG types: by a format through the record of all dates and times, and without
+// loss for conversions.
+#include "ktstring.h"
+#include "ops/odmg_ops.h"
+#include "values/datetime_text.h"
+#include "values/narrow_text.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace kt {
+namespace {
+
+// --- the record that is printed and scanned -----------------------------------------------------------------------------
+
+KtTime universalTime(const d_Time& time) {
+  return {time.hour - time.tz_hour, time.minute - time.tz_minute, (time.second * 100 + time.hundredths) / 100};
+}
+
+// The scanned time in the zone that the value has.
+void setUniversalTime(d_Time& time, const KtTime& scanned) {
+  time.hour = static_cast<std::int8_t>(scanned.hour + time.tz_hour);
+  time.minute = static_cast<std::int8_t>(scanned.minute + time.tz_minute);
+  time.second = scanned.second;
+  time.hundredths = 0;
+}
+
+template <class Memory>
+bool put(void* value, const Memory& scanned) {
+  std::memcpy(value, &scanned, sizeof scanned);
+  return true;
+}
+
+// --- conversions --------------------------------------------------------------------------------------------------------
+
+// Numbers that stand in a text one after the other.
+class NumberReader {
+public:
+  explicit NumberReader(const KtString& s) : text_(s), at_(text_.begin()) {}
+
+  // Behind the given character and a sign that the number may have; false, and the field stays, when there is none.
+  bool takeAfter(char separator, int& field) { return take(separator) && takeNumber(field); }
+
+  bool takeNumber(int& field) {
+    const bool isNegative = take('-');
+    const char* digits = at_;
+    int number = 0;
+    for (; at_ != text_.end() && *at_ >= '0' && *at_ <= '9'; ++at_) {
+      if (number < kLimit) number = 10 * number + (*at_ - '0');
+    }
+    if (at_ == digits) return false;
+    field = isNegative ? -number : number;
+    return true;
+  }
+
+  bool take(char ch) {
+    const bool isThere = at_ != text_.end() && *at_ == ch;
+    if (isThere) ++at_;
+    return isThere;
+  }
+
+private:
+  static constexpr int kLimit = 100000;  // no field is as large
+
+  NarrowText text_;
+  const char* at_;
+};
+
+constexpr unsigned kRoom = 64;
+
+int writeDate(char* text, const d_Date& date) {
+  return std::snprintf(text, kRoom, "%04d-%02d-%02d", date.year, date.month, date.day);
+}
+
+// Both fields of a zone have its sign; where they do not, the minutes show theirs.
+int writeTime(char* text, const d_Time& time) {
+  const int sign = time.tz_hour < 0 || (time.tz_hour == 0 && time.tz_minute < 0) ? -1 : 1;
+  return std::snprintf(text, kRoom, "%02d:%02d:%02d.%02d%c%02d:%02d", time.hour, time.minute, time.second,
+                       time.hundredths, sign < 0 ? '-' : '+', sign * time.tz_hour, sign * time.tz_minute);
+}
+
+d_Date readDate(NumberReader& reader) {
+  int year = 0;
+  int month = 1;
+  int day = 1;
+  if (reader.takeNumber(year) && reader.takeAfter('-', month)) reader.takeAfter('-', day);
+  return {static_cast<short>(year), static_cast<unsigned short>(month), static_cast<unsigned short>(day)};
+}
+
+d_Time readTime(NumberReader& reader) {
+  int fields[4] = {};
+  int zone[2] = {};
+  if (reader.takeNumber(fields[0]) && reader.takeAfter(':', fields[1]) && reader.takeAfter(':', fields[2]))
+    reader.takeAfter('.', fields[3]);
+  const int sign = reader.take('-') ? -1 : 1;
+  if ((sign < 0 || reader.take('+')) && reader.takeNumber(zone[0])) reader.takeAfter(':', zone[1]);
+  d_Time time(static_cast<unsigned short>(fields[0]), static_cast<unsigned short>(fields[1]), 0,
+              static_cast<short>(sign * zone[0]), static_cast<short>(sign * zone[1]));
+  time.second = static_cast<std::int8_t>(fields[2]);
+  time.hundredths = static_cast<std::int8_t>(fields[3]);
+  return time;
+}
+
+}  // namespace
+
+// --- d_Date -------------------------------------------------------------------------------------------------------------
+
+KtString OdmgDateValue::toText(const d_Date& v) {
+  char text[kRoom];
+  writeDate(text, v);
+  return KtString(text);
+}
+
+d_Date OdmgDateValue::fromText(const KtString& s) {
+  NumberReader reader(s);
+  return readDate(reader);
+}
+
+void OdmgDateValue::print(KtString& out, void* value, const char* format) {
+  const auto date = readValue<d_Date>(value);
+  printDateTime(out, KtDateTime(KtDate(date.year, date.month, date.day), KtTime(0, 0, 0)), format);
+}
+
+bool OdmgDateValue::scan(void* value, const KtString& in, const char* format) {
+  return put(value, d_Date(scanDateTime(in, format)));
+}
+
+// --- d_Time -------------------------------------------------------------------------------------------------------------
+
+KtString OdmgTimeValue::toText(const d_Time& v) {
+  char text[kRoom];
+  writeTime(text, v);
+  return KtString(text);
+}
+
+d_Time OdmgTimeValue::fromText(const KtString& s) {
+  NumberReader reader(s);
+  return readTime(reader);
+}
+
+void OdmgTimeValue::print(KtString& out, void* value, const char* format) {
+  printDateTime(out, KtDateTime(KtDate(0, 1, 1), universalTime(readValue<d_Time>(value))), format);
+}
+
+bool OdmgTimeValue::scan(void* value, const KtString& in, const char* format) {
+  auto time = readValue<d_Time>(value);
+  setUniversalTime(time, scanDateTime(in, format).time);
+  return put(value, time);
+}
+
+// --- d_Timestamp ----------------------------------------------------------------------------------------------------------
+
+KtString OdmgTimestampValue::toText(const d_Timestamp& v) {
+  char text[2 * kRoom];
+  const int length = writeDate(text, v.date);
+  text[length] = ' ';
+  writeTime(text + length + 1, v.time);
+  return KtString(text);
+}
+
+d_Timestamp OdmgTimestampValue::fromText(const KtString& s) {
+  NumberReader reader(s);
+  const d_Date date = readDate(reader);
+  reader.take(' ');
+  return {date, readTime(reader)};
+}
+
+void OdmgTimestampValue::print(KtString& out, void* value, const char* format) {
+  const auto timestamp = readValue<d_Timestamp>(value);
+  const d_Date& date = timestamp.date;
+  printDateTime(out, KtDateTime(KtDate(date.year, date.month, date.day), universalTime(timestamp.time)), format);
+}
+
+bool OdmgTimestampValue::scan(void* value, const KtString& in, const char* format) {
+  auto timestamp = readValue<d_Timestamp>(value);
+  const KtDateTime scanned = scanDateTime(in, format);
+  timestamp.date = scanned.date;
+  setUniversalTime(timestamp.time, scanned.time);
+  return put(value, timestamp);
+}
+
+// --- d_Interval -----------------------------------------------------------------------------------------------------------
+
+void OdmgIntervalValue::print(KtString& out, void* value, const char* format) {
+  const auto interval = readValue<d_Interval>(value);
+  const auto seconds = static_cast<int>(interval.WholeSeconds() % 60);
+  printDateTime(out, KtDateTime(KtDate(0, 1, interval.day()), KtTime(interval.hour(), interval.minute(), seconds)),
+                format);
+}
+
+bool OdmgIntervalValue::scan(void* value, const KtString& in, const char* format) {
+  const KtDateTime period = scanPeriod(in, format);
+  return put(value, static_cast<float>(period.date.day * 86400L + static_cast<long>(period.time)));
+}
+
+}  // namespace kt

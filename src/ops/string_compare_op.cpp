@@ -1,0 +1,123 @@
+// string_compare_op.cpp - the compare function of the string types.
+#include "kttypops.h"
+#include "ops/string_key_compare.h"
+#include "ops/string_run.h"
+#include "ops/string_run_ops.h"
+
+#include <_ktnulty.h>
+
+namespace kt {
+namespace {
+
+constexpr char kSourceFile[] = "src\\kttypcmp";
+constexpr int kFirstSizeLine = 835;
+constexpr int kSecondSizeLine = 836;
+
+constexpr long signOf(long value) { return value < 0 ? -1 : value > 0 ? 1 : 0; }
+
+// The code sets of ktin have characters of one or two bytes; one that had others could not be walked.
+void checkSizes(const TextRef& a, const TextRef& b) {
+  const unsigned size1 = KtCodeSet::CharSizeOf(a.codeSet);
+  const unsigned size2 = KtCodeSet::CharSizeOf(b.codeSet);
+  if (size1 != 1 && size1 != 2) KATO_assert("(CSSize1 == 1) || (CSSize1 == 2)", kSourceFile, kFirstSizeLine);
+  if (size2 != 1 && size2 != 2) KATO_assert("(CSSize2 == 1) || (CSSize2 == 2)", kSourceFile, kSecondSizeLine);
+}
+
+long compareSized(const TextRef& a, const TextRef& b, unsigned cmpOp) {
+  checkSizes(a, b);
+  return compareTexts(a, b, cmpOp, -1);
+}
+
+// Both runs step for step. compareOne(x, y, status) compares a pair and may set the status, which ends the walk.
+template <class Run, class CompareOne>
+long compareStringRuns(Run a, Run b, unsigned long count, int& status, CompareOne compareOne) {
+  typename Run::Item x, y;
+  for (unsigned long i = 0; i < count; ++i) {
+    if (!a.next(x) || !b.next(y)) {
+      status = KtERR_OVERRUN;
+      return 0;
+    }
+    const long result = compareOne(x, y);
+    if (i + 1 < count && (!a.more() || !b.more())) status = KtERR_OVERRUN;
+    if (result != 0 || status != 0) return signOf(result);
+  }
+  return 0;
+}
+
+// A null second key is before everything; a null first one too, where no wildcard can match it.
+template <class Kind>
+long compareKeyPair(const IndexKey& a, const IndexKey& b, unsigned cmpOp, int& status) {
+  if (Kind::kHasNull && b.isNull()) return a.isNull() ? 0 : 1;
+  if (Kind::kHasNull && a.isNull() && (cmpOp & (kNoWildcards | kBinaryOrder)) != 0) return -1;
+  const KeyOrder order = compareKeys(a, b, cmpOp);
+  if (!order.isDecided) status = KtERR_OVERRUN;
+  return order.result;
+}
+
+template <class Kind>
+[[gnu::noinline]] long compareMany(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                                   unsigned cmpOp, unsigned long count, int& status) {
+  if (!isMemoryForm(format) && (format & kIndexKeyForm) != 0) {
+    return compareStringRuns(
+        KeyRun(a, lengthA, format), KeyRun(b, lengthB, format), count, status,
+        [&](const IndexKey& x, const IndexKey& y) { return compareKeyPair<Kind>(x, y, cmpOp, status); });
+  }
+  const auto compareOne = [cmpOp](const TextRef& x, const TextRef& y) { return compareSized(x, y, cmpOp); };
+  if (isMemoryForm(format)) {
+    return compareStringRuns(MemoryRun<Kind>(a, lengthA), MemoryRun<Kind>(b, lengthB), count, status, compareOne);
+  }
+  return compareStringRuns(RecordRun<Kind>(a, lengthA, format), RecordRun<Kind>(b, lengthB, format), count, status,
+                           compareOne);
+}
+
+template <class Kind>
+long comparePair(TextRef x, TextRef y, unsigned cmpOp) {
+  Kind::see(x);
+  Kind::see(y);
+  return signOf(compareSized(x, y, cmpOp));
+}
+
+bool holdsCurrent(const Record& record, unsigned long length) {
+  return record.size() <= knownLength(length) && !record.isOlder();
+}
+
+// One record against one, both in the current form: what a B-tree compares. False where they are anything else.
+template <class Kind>
+bool compareOneRecord(unsigned char format, unsigned long lengthA, const void* a, unsigned long lengthB, const void* b,
+                      unsigned cmpOp, long& result) {
+  if ((format & kIndexKeyForm) != 0 || knownLength(lengthA) < kEmptyRecord || knownLength(lengthB) < kEmptyRecord)
+    return false;
+  const Record x = recordAt(a, format);
+  const Record y = recordAt(b, format);
+  if (!holdsCurrent(x, lengthA) || !holdsCurrent(y, lengthB)) return false;
+  result = comparePair<Kind>(textOf(x, x.textBytes(), format), textOf(y, y.textBytes(), format), cmpOp);
+  return true;
+}
+
+}  // namespace
+
+template <class Kind>
+long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                    unsigned short options, unsigned long count, int& status) {
+  const unsigned cmpOp = Kind::cmpOp(options);
+  status = 0;
+  if (count == 1) {
+    long result = 0;
+    if (format == kMemoryForm && (lengthA | lengthB) == 0)
+      return comparePair<Kind>(textOf(*static_cast<KtString*>(a), 0), textOf(*static_cast<KtString*>(b), 0), cmpOp);
+    if (!isMemoryForm(format) && compareOneRecord<Kind>(format, lengthA, a, lengthB, b, cmpOp, result)) return result;
+  }
+  return compareMany<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
+}
+
+#define KT_INSTANTIATE(Kind)                                                                                    \
+  template long compareStrings<Kind>(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short, \
+                                     unsigned long, int&);
+KT_FOR_STRING_KINDS(KT_INSTANTIATE)
+
+}  // namespace kt
+
+long StringCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                   unsigned short options, unsigned long count, int& status) {
+  return kt::compareStrings<kt::PlainStrings>(format, lengthA, a, lengthB, b, options, count, status);
+}

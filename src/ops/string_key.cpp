@@ -1,0 +1,157 @@
+// string_key.cpp - writing and reading index keys, each in one pass.
+#include "ops/string_key.h"
+
+#include "text/copy_text.h"
+
+#include <ktbs.h>
+
+namespace kt {
+namespace {
+
+enum class End { kWhole, kNull, kGoesOn };
+
+// DISK: the two bytes behind the key words.
+constexpr unsigned char kEnds[][2] = {{0x00, 0xFF}, {0x00, 0x00}, {0xFF, 0xFF}};
+constexpr unsigned long kEndBytes = 2;
+
+constexpr unsigned char kLatin1 = 1;
+constexpr unsigned char kUnicode = 253;
+
+// Under the new order a Unicode text of the characters below 256 has the key of the same text in ISO 8859-1. The key
+// words do not differ, so that keys of both orders sort alike. Asked once a process.
+bool isNewUnicodeOrder() {
+  static const bool isNew = [] {
+    const KtConfig* config = DefaultConfig();
+    return config == nullptr || config->GetShort("oldIndexUnicodeOrder", nullptr, 0) == 0;
+  }();
+  return isNew;
+}
+
+void putWord(unsigned char* at, Weight word) {
+  if constexpr (std::endian::native == std::endian::little) {
+    word = word << 24 | (word & 0xFF00u) << 8 | (word >> 8 & 0xFF00u) | word >> 24;
+  }
+  std::memcpy(at, &word, sizeof word);
+}
+
+Weight getWord(const unsigned char* at) {
+  return Weight{at[0]} << 24 | Weight{at[1]} << 16 | Weight{at[2]} << 8 | at[3];
+}
+
+// What was written of a text.
+struct Written {
+  unsigned long bytes;
+  bool whole;
+  bool isLatin1 = false;
+};
+
+Written writeRaw(unsigned char* out, unsigned long room, const TextRef& text) {
+  if (text.text == nullptr) return {0, true};
+  const unsigned long bytes = unitLength(text.text, 1, std::min(text.limit, room));
+  copyText(out, text.text, bytes);
+  return {bytes, bytes == text.limit || text.text[bytes] == 0};
+}
+
+Written writeWords(unsigned char* out, unsigned long room, const TextRef&, const ByteCursor& cursor) {
+  const unsigned long count = std::min(cursor.limit(), room / kKeyWord);
+  unsigned long i = 0;
+  for (; i < count; ++i) {
+    const Weight weight = cursor.weightAt(i);
+    if (weight == 0) break;
+    putWord(out + i * kKeyWord, weight);
+  }
+  return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0};
+}
+
+Written writeWords(unsigned char* out, unsigned long room, const TextRef& text, const WideCursor& cursor) {
+  const int rotation = unitRotation(text.flag);
+  const unsigned long count = std::min(cursor.limit(), room / kKeyWord);
+  unsigned all = 0;
+  unsigned long i = 0;
+  for (; i < count; ++i) {
+    const Weight weight = cursor.weightAt(i);
+    if (weight == 0) break;
+    const unsigned unit = loadUnit(text.text, i, rotation);
+    all |= unit;
+    putWord(out + i * kKeyWord, weight != kSeveralOrders ? weight : kSeveralOrdersMark | unit << 8);
+  }
+  return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0, all < 256};
+}
+
+// The room of key words in a key of at most `room` bytes, which is at least an empty key.
+unsigned long bodyRoom(unsigned long room) { return std::min(room, kLongestLength + kLengthBytes) - kEmptyRecord; }
+
+unsigned long finishKey(unsigned char* out, unsigned long bytes, unsigned char codeSet, unsigned char language, End end,
+                        unsigned char code) {
+  writeLength(out, bytes + kEmptyLength, code);
+  out[kCodeSetAt] = codeSet;
+  out[kLanguageAt] = language;
+  std::memcpy(out + kTextAt + bytes, kEnds[static_cast<int>(end)], kEndBytes);
+  return bytes + kEmptyRecord;
+}
+
+}  // namespace
+
+unsigned long writeIndexKey(unsigned char* out, unsigned long room, const TextRef& text, bool goesOn,
+                            unsigned char code) {
+  if (room < kEmptyRecord) return 0;
+  if (text.isNull()) return finishKey(out, 0, text.codeSet, text.language, End::kNull, code);
+  unsigned char* body = out + kTextAt;
+  const unsigned long free = bodyRoom(room);
+  const Written written = text.codeSet == 0 ? writeRaw(body, free, text)
+                                            : withCursor(text, TextRef::kToTerminator, [&](const auto& cursor) {
+                                                return writeWords(body, free, text, cursor);
+                                              });
+  const bool isWhole = written.whole && !goesOn;
+  const bool asLatin1 = text.codeSet == kUnicode && written.isLatin1 && isWhole && isNewUnicodeOrder();
+  return finishKey(out, written.bytes, asLatin1 ? kLatin1 : text.codeSet, text.language,
+                   isWhole ? End::kWhole : End::kGoesOn, code);
+}
+
+unsigned long copyIndexKey(unsigned char* out, unsigned long room, const IndexKey& key, unsigned char code) {
+  if (room < kEmptyRecord) return 0;
+  const unsigned long unit = key.isRaw() ? 1 : kKeyWord;
+  const unsigned long bytes = std::min(key.bytes, bodyRoom(room) & ~(unit - 1));
+  std::memmove(out + kTextAt, key.body, bytes);
+  const End whole = key.isNull() ? End::kNull : End::kWhole;
+  return finishKey(out, bytes, key.codeSet, key.language, key.isCut || bytes < key.bytes ? End::kGoesOn : whole, code);
+}
+
+bool KeyRun::next(IndexKey& key) {
+  if (left_ < kLeastRest) return false;
+  const unsigned long length = readLength(at_, code_);
+  const unsigned long size = std::min(length + kLengthBytes, left_);
+  key.body = at_ + kTextAt;
+  key.codeSet = at_[kCodeSetAt];
+  key.language = at_[kLanguageAt];
+  const bool isInside = length >= kEmptyLength && size == length + kLengthBytes;
+  key.isCut = !isInside || at_[length] != kTextEnd;
+  // Without its own end the key has what there is, up to its length and that of the run.
+  const unsigned long there = size > kTextAt ? size - kTextAt : 0;
+  key.bytes = isInside || length < kEmptyLength ? std::max(length, kEmptyLength) - kEmptyLength
+                                                : std::min(there, length - kEmptyLength);
+  if (key.isNull()) key.bytes = 0;
+  if (!key.isRaw()) key.bytes &= ~(kKeyWord - 1);
+  at_ += size;
+  left_ -= size;
+  return true;
+}
+
+Weight KeyCursor::next() {
+  if (pendingCount_ != 0) return pending_[--pendingCount_];
+  if (at_ == end_) return 0;
+  const Weight word = getWord(at_);
+  at_ += kKeyWord;
+  return word < kSeveralOrdersMark ? word : firstOfSeveral(word);
+}
+
+Weight KeyCursor::firstOfSeveral(Weight word) {
+  unsigned short orders[KtUnicodeProps::kMaxOrders];
+  const unsigned count = KtUnicodeProps::Orders(static_cast<unsigned short>(word >> 8), kind_, orders);
+  if (count < 2) return word;
+  for (unsigned i = 1; i < count; ++i) pending_[count - 1 - i] = collationKey(orders[i], kind_);
+  pendingCount_ = static_cast<unsigned char>(count - 1);
+  return collationKey(orders[0], kind_);
+}
+
+}  // namespace kt

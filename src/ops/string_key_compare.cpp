@@ -1,0 +1,89 @@
+// string_key_compare.cpp - index keys are compared by their words, under the operator that the strings would be.
+#include "ops/string_key_compare.h"
+
+#include "text/str_compare.h"
+#include "text/str_levels.h"
+
+namespace kt {
+namespace {
+
+constexpr long signOf(long value) { return value < 0 ? -1 : value > 0 ? 1 : 0; }
+
+// Both keys are equal as far as they go; aGoesOn, bGoesOn: one of them has words left.
+KeyOrder orderOfEnds(const IndexKey& a, const IndexKey& b, bool aGoesOn, bool bGoesOn) {
+  if (aGoesOn) return {b.isCut ? -1 : 1, !b.isCut};
+  if (bGoesOn) return {a.isCut ? 1 : -1, !a.isCut};
+  if (a.isCut && b.isCut) return {0, false};
+  // A key was cut because its text goes on.
+  return {a.isCut ? 1 : b.isCut ? -1 : 0, true};
+}
+
+KeyOrder compareBodies(const IndexKey& a, const IndexKey& b) {
+  const unsigned long common = std::min(a.bytes, b.bytes);
+  const int difference = common != 0 ? std::memcmp(a.body, b.body, common) : 0;
+  if (difference != 0) return {signOf(difference), true};
+  return orderOfEnds(a, b, a.bytes > common, b.bytes > common);
+}
+
+struct KeyPair {
+  const IndexKey& a;
+  const IndexKey& b;
+};
+
+template <class A, class B>
+KeyOrder compareOrders(const KeyPair& keys, A x, B y) {
+  for (;;) {
+    const Weight k1 = x.next();
+    const Weight k2 = y.next();
+    if (k1 == 0 || k2 == 0) return orderOfEnds(keys.a, keys.b, k1 != 0, k2 != 0);
+    if (k1 != k2) return {k1 < k2 ? -1 : 1, true};
+  }
+}
+
+// A side has ended and there was no primary difference before. k1, k2: what the sides go on with.
+KeyOrder levelsAtEnd(const KeyPair& keys, const LevelDifferences& differences, unsigned cmpOp, Weight k1, Weight k2) {
+  const bool atCut = (k1 == 0 && keys.a.isCut) || (k2 == 0 && keys.b.isCut);
+  if (!atCut && k1 != k2) return {k1 == 0 ? -1 : 1, true};
+  const long byLevels = signOf(differences.result(cmpOp));
+  if (!atCut) return {byLevels, true};
+  return {byLevels != 0 ? byLevels : orderOfEnds(keys.a, keys.b, k1 != 0, k2 != 0).result, false};
+}
+
+template <class A, class B>
+KeyOrder compareLevels(const KeyPair& keys, unsigned cmpOp, A x, B y) {
+  LevelDifferences differences;
+  for (;;) {
+    Weight k1 = x.next();
+    Weight k2 = y.next();
+    const int ignorable1 = skipIgnorables(x, k1, cmpOp);
+    const int ignorable2 = skipIgnorables(y, k2, cmpOp);
+    differences.noteIgnorable(ignorable1 - ignorable2);
+    if (k1 == 0 || k2 == 0) return levelsAtEnd(keys, differences, cmpOp, k1, k2);
+    if (k1 == k2) continue;
+    // Damaged words may lie further apart than a difference can tell.
+    if (((k1 ^ k2) & ~kLevelMask) != 0) return {k1 < k2 ? -1 : 1, true};
+    differences.note(k1, k2);
+  }
+}
+
+// Bytes under code set 0, of which a pattern may be asked for.
+KeyOrder compareRaw(const IndexKey& a, const IndexKey& b, unsigned cmpOp) {
+  if ((cmpOp & (kNoWildcards | kBinaryOrder)) != 0) return compareBodies(a, b);
+  return {signOf(compareTexts(a.rawText(), b.rawText(), cmpOp, -1)), !a.isCut && !b.isCut};
+}
+
+}  // namespace
+
+KeyOrder compareKeys(const IndexKey& a, const IndexKey& b, unsigned cmpOp) {
+  if (a.isRaw() && b.isRaw()) return compareRaw(a, b, cmpOp);
+  const bool isBinary = (cmpOp & kBinaryOrder) != 0;
+  const bool sameWords = a.isRaw() == b.isRaw() && collationKind(a.language) == collationKind(b.language);
+  if (isBinary && sameWords) return compareBodies(a, b);
+  return withKeyCursor(a, [&](auto x) {
+    return withKeyCursor(b, [&](auto y) {
+      return isBinary ? compareOrders(KeyPair{a, b}, x, y) : compareLevels(KeyPair{a, b}, cmpOp, x, y);
+    });
+  });
+}
+
+}  // namespace kt

@@ -1,0 +1,136 @@
+// string_ops.cpp - life, conversion and text forms of strings.
+#include "ops/string_ops.h"
+
+#include "ops/string_array.h"
+#include "values/null_text.h"
+#include "values/string_edit.h"
+
+#include <memory>
+#include <new>
+
+namespace kt {
+namespace {
+
+KtString* stringsAt(void* values) { return static_cast<KtString*>(values); }
+
+// Appends a part of a format, as it lies.
+void appendFormat(KtString& out, const char* from, const char* to) {
+  append(out, from, narrowSet(), static_cast<unsigned long>(to - from));
+}
+
+bool isNullText(const KtString& text) { return text.EqualsIgnoreLanguage(nullPrintString()) != 0; }
+
+}  // namespace
+
+void* StringArrayOps::create(unsigned long count) { return createStrings(count); }
+
+void* StringArrayOps::destroy(void* values, unsigned long count) {
+  deleteStrings(stringsAt(values), count);
+  return nullptr;
+}
+
+void StringArrayOps::construct(void* values, unsigned long count, unsigned long) {
+  std::uninitialized_default_construct_n(stringsAt(values), count);
+}
+
+void StringArrayOps::destruct(void* values, unsigned long count, unsigned long) {
+  std::destroy_n(stringsAt(values), count);
+}
+
+// Runs may overlap: as in memmove, what is still to be read is never overwritten.
+void StringArrayOps::assign(void* dst, void* src, unsigned long count, int fill) {
+  KtString* to = stringsAt(dst);
+  const KtString* from = stringsAt(src);
+  const bool backwards = fill == 0 && to > from && to < from + count;
+  for (unsigned long i = 0; i < count; ++i) {
+    const unsigned long at = backwards ? count - 1 - i : i;
+    to[at] = from[fill != 0 ? 0 : at];
+  }
+}
+
+void StringArrayOps::copy(void* dst, void* src, unsigned long count, int fill) {
+  const KtString* from = stringsAt(src);
+  for (unsigned long i = 0; i < count; ++i) new (stringsAt(dst) + i) KtString(from[fill != 0 ? 0 : i]);
+}
+
+KtTypeConvertData* StringArrayOps::convertTo(void* values, unsigned long count) {
+  const KtString* strings = stringsAt(values);
+  return convertToStrings(count, [strings](unsigned long i) { return strings[i]; });
+}
+
+KtString& printString(KtString& out, const KtString* value, const char* format) {
+  if (value == nullptr) return out;
+  const char* from = format;  // of what is not yet appended
+  bool isPrinted = false;
+  for (const char* at = format; *at != 0;) {
+    const bool isText = at[0] == '%' && at[1] == 's' && !isPrinted;
+    const bool isPercent = at[0] == '%' && at[1] == '%';
+    if (!isText && !isPercent) {
+      ++at;
+      continue;
+    }
+    appendFormat(out, from, isText ? at : at + 1);
+    if (isText) out += *value;
+    isPrinted = isPrinted || isText;
+    at += 2;
+    from = at;
+  }
+  appendFormat(out, from, from + std::strlen(from));
+  return out;
+}
+
+template <class Kind>
+void* StringRowOps<Kind>::convertFrom(KtTypeConvertData* data, unsigned long count) {
+  KtString* values = createStrings(count);
+  for (unsigned long i = 0; values != nullptr && i < count; ++i) {
+    const bool isAsked = data != nullptr && i <= 0x7FFFFFFFul;
+    const KtString* text = isAsked ? data->GetString(static_cast<int>(i)) : nullptr;
+    if (text != nullptr && (Kind::kHasNull || !text->IsNullValue())) {
+      values[i] = *text;
+    } else if (Kind::kHasNull) {
+      values[i].SetNullValue();
+    }
+  }
+  return values;
+}
+
+template <class Kind>
+int StringRowOps<Kind>::isNull(void* value) {
+  return Kind::kHasNull ? stringsAt(value)->IsNullValue() : 0;
+}
+
+template <class Kind>
+int StringRowOps<Kind>::setNull(void* value) {
+  return stringsAt(value)->SetNullValue();
+}
+
+template <class Kind>
+KtString& StringRowOps<Kind>::print(KtString& out, void* values, const char* format, unsigned long) {
+  if (values == nullptr || isNull(values) == 0) return printString(out, stringsAt(values), format);
+  out = nullPrintString();
+  return out;
+}
+
+template <class Kind>
+void* StringRowOps<Kind>::scan(void* values, KtString& in, const char*, unsigned long) {
+  if (values == nullptr) return nullptr;
+  if (Kind::kHasNull && isNullText(in)) {
+    setNull(values);
+  } else {
+    *stringsAt(values) = in;
+  }
+  return values;
+}
+
+template <class Kind>
+void* StringRowOps<Kind>::defaultValue(unsigned long count, int asNull) {
+  if (!Kind::kHasNull || asNull == 0) return convertEmptyStrings(&convertFrom, count);
+  KtString* values = createStrings(count);
+  for (unsigned long i = 0; values != nullptr && i < count; ++i) values[i].SetNullValue();
+  return values;
+}
+
+#define KT_INSTANTIATE(Kind) template struct StringRowOps<Kind>;
+KT_FOR_STRING_KINDS(KT_INSTANTIATE)
+
+}  // namespace kt

@@ -1,0 +1,167 @@
+// string_storage.cpp - storing, loading and sizing runs of strings in their current disk form.
+#include "ops/string_storage.h"
+
+#include "kttypops.h"
+#include "ops/string_record.h"
+#include "text/copy_text.h"
+#include "values/string_edit.h"
+#include "values/string_take.h"
+
+#include <ktbs.h>
+
+namespace kt {
+namespace {
+
+constexpr unsigned long kResultMask = 0xFFFF;
+constexpr unsigned long kLongestStored = 65532;  // bufferSize of the longest text that a record can hold
+
+const KtString* stringsAt(const void* values) { return static_cast<const KtString*>(values); }
+
+unsigned char* storeOne(unsigned char* out, const KtString& s, unsigned char code) {
+  const unsigned long bytes = storedTextBytes(s);
+  if (s.bufferSize > kLongestStored) checkedSize(kLongestLength + 1, kOverflowLine);
+  writeLength(out, bytes + kEmptyLength, code);
+  out[kCodeSetAt] = s.codeSet;
+  out[kLanguageAt] = s.language;
+  if (s.CharSize() == 2 && unitsAreSwapped(code)) {
+    ShortStore(out + kTextAt, s.buffer, unitOrder(code), bytes / 2);
+  } else {
+    copyText(out + kTextAt, s.buffer, bytes);
+  }
+  out += kTextAt + bytes;
+  out[0] = kTextEnd;
+  out[1] = kCurrentMark;
+  return out + 2;
+}
+
+void becomeEmpty(KtString& s, unsigned char codeSet, unsigned char language) {
+  release(s);
+  s.codeSet = codeSet;
+  s.language = language;
+}
+
+// As an assignment of the text would.
+void takeOlder(KtString& s, const char* text, unsigned long bytes) {
+  const unsigned char language = KtLanguageContext::GetDefaultLanguage();
+  if (bytes == 0) {
+    becomeEmpty(s, narrowSet(), language);
+  } else {
+    takeText(s, text, std::min(bytes, kLongestLength - kEmptyLength), narrowSet(), language);
+  }
+}
+
+void takeSwapped(KtString& s, const Record& record, unsigned long units, unsigned char code) {
+  const unsigned char oldSet = s.codeSet;
+  s.codeSet = record.codeSet();
+  const bool done = rebuild(s, {.source = record.text(),
+                                .sourceSet = record.codeSet(),
+                                .count = units,
+                                .storeFlag = unitOrder(code),
+                                .mayHoldZero = true});
+  if (done) {
+    s.language = record.language();
+  } else {
+    s.codeSet = oldSet;
+  }
+}
+
+void loadOne(KtString& s, const Record& record, unsigned char code) {
+  if (record.length < kEmptyLength) {
+    takeOlder(s, nullptr, 0);
+    return;
+  }
+  const unsigned long charSize = KtCodeSet::CharSizeOf(record.codeSet());
+  const unsigned long bytes = record.textBytes() & ~(charSize - 1);
+  if (bytes == 0) {
+    becomeEmpty(s, record.codeSet(), record.language());
+  } else if (charSize == 2 && unitsAreSwapped(code)) {
+    takeSwapped(s, record, bytes / 2, code);
+  } else {
+    takeText(s, record.text(), bytes, record.codeSet(), record.language());
+  }
+}
+
+void loadOlder(KtString* strings, const Record& record, unsigned long count) {
+  OlderTexts texts(record);
+  for (unsigned long i = 0; i < count; ++i) {
+    unsigned long bytes;
+    const char* text = texts.take(bytes);
+    takeOlder(strings[i], text, bytes);
+  }
+}
+
+// `data` bytes of a string under code set k, as they grow when they become an index key.
+unsigned long keyBytes(unsigned long data, unsigned char stored, unsigned char format) {
+  if ((format & kIndexKeyForm) == 0) return data;
+  const unsigned char codeSet = seenCodeSet(stored, format);
+  if (codeSet == 0 || codeSet == kNullCodeSet) return data;
+  return data * (KtCodeSet::CharSizeOf(codeSet) == 1 ? 4 : 2);
+}
+
+unsigned long sizeInMemory(const KtString* strings, unsigned char format, unsigned long count) {
+  unsigned long total = 0;
+  for (unsigned long i = 0; i < count; ++i) {
+    const unsigned long data = storedTextBytes(strings[i]) + 2;
+    total += keyBytes(data, strings[i].codeSet, format) + kTextAt;
+  }
+  return total;
+}
+
+// Walks records within `available` bytes; a record that does not fit ends the walk.
+unsigned long sizeOnDisk(const unsigned char* data, unsigned long available, unsigned char format,
+                         unsigned long count) {
+  unsigned long total = 0;
+  for (unsigned long i = 0; i < count && available >= kLengthBytes; ++i) {
+    const Record record = recordAt(data, format);
+    if (record.size() > available) break;
+    const bool isOlder = record.isOlder();
+    const bool isKey = (format & kIndexKeyForm) != 0 && record.length >= kEmptyLength;
+    if (isOlder && !isKey) return record.size();
+    total += keyBytes(record.length, record.codeSet(), format) + kLengthBytes;
+    if (isOlder) break;  // it is the whole run
+    data += record.size();
+    available -= record.size();
+  }
+  return total;
+}
+
+}  // namespace
+
+unsigned long stringNullSizeGet(unsigned long count) { return count * kEmptyRecord; }
+
+unsigned long stringSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long count) {
+  const auto* here = reinterpret_cast<const unsigned char*>(file->Seek(0, MemFile::Current));
+  return here != nullptr ? sizeOnDisk(here, file->Remaining(), format, count) : 0;
+}
+
+}  // namespace kt
+
+unsigned long StringStore(void* dst, const void* src, unsigned char format, unsigned long count) {
+  const KtString* strings = kt::stringsAt(src);
+  const unsigned char code = kt::lowCode(format);
+  auto* out = static_cast<unsigned char*>(dst);
+  for (unsigned long i = 0; i < count; ++i) out = kt::storeOne(out, strings[i], code);
+  return static_cast<unsigned long>(out - static_cast<unsigned char*>(dst)) & kt::kResultMask;
+}
+
+unsigned long StringLoad(void* dst, const void* src, unsigned char format, unsigned long count) {
+  if (count == 0) return 0;
+  auto* strings = static_cast<KtString*>(dst);
+  const kt::Record first = kt::recordAt(src, format);
+  if (first.isOlder()) {
+    kt::loadOlder(strings, first, count);
+    return first.size() & kt::kResultMask;
+  }
+  const auto* at = static_cast<const unsigned char*>(src);
+  for (unsigned long i = 0; i < count; ++i) {
+    const kt::Record record = kt::recordAt(at, format);
+    kt::loadOne(strings[i], record, kt::lowCode(format));
+    at += record.size();
+  }
+  return static_cast<unsigned long>(at - static_cast<const unsigned char*>(src)) & kt::kResultMask;
+}
+
+unsigned long StringSizeGet(const void* data, unsigned char givenFormat, unsigned char format, unsigned long count) {
+  if (kt::isMemoryForm(givenFormat)) return kt::sizeInMemory(kt::stringsAt(data), format, count);
+  return kt::sizeOnDisk(static_cast<const unsigned char*>(data), kt::kUnknownLength, format, count);
+}

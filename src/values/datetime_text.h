@@ -1,0 +1,29 @@
+// datetime_text.h - printing and scanning dates and times by a format (the directives: ktdate.h), for all seven types.
+#ifndef KT_DATETIME_TEXT_H
+#define KT_DATETIME_TEXT_H
+
+#include "ktdatetime.h"
+#include "ktstring.h"
+
+namespace kt {
+
+// "Monday" to "Sunday", or "no day".
+const char* weekdayName(const KtDate& date);
+
+// The part of a value that its type lacks: directives of that part print the local clock, which is read by the first of
+// them.
+enum class FromClock { kNothing, kDate, kTime };
+
+// Appends the value to out, or replaces out by the null print string when both parts of the value are null. Returns out.
+KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format,
+                        FromClock fromClock = FromClock::kNothing);
+
+// What the text holds; null when it begins with the null print string; a valid value or 0000-00-00 00:00:00 else.
+KtDateTime scanDateTime(const KtString& in, const char* format);
+
+// The same from day 0 instead of day 1, and without a check: a period of time, its fields as they were read.
+KtDateTime scanPeriod(const KtString& in, const char* format);
+
+}  // namespace kt
+
+#endif

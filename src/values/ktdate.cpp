@@ -1,0 +1,28 @@
+// ktdate.cpp - what of KtDate needs the clock or text.
+#include "ktdate.h"
+
+#include "ktstring.h"
+#include "values/datetime_text.h"
+#include "values/null_text.h"
+
+#include <ktbs.h>
+
+KtDate::KtDate() { Today(); }
+
+KtDate& KtDate::Today() {
+  KtDateRecord today;
+  bksgetdate(today);
+  return *this = KtDate(today.year, today.month, today.day);
+}
+
+KtString KtDate::PrintDayOfTheDate() const { return KtString(kt::weekdayName(*this)); }
+
+KtString& KtDate::PrintToKtString(KtString& out, const char* format) const {
+  if (IsNullValue()) return out = kt::nullPrintString();
+  const KtDateTime record(*this, KtTime(0, 0, 0));
+  return kt::printDateTime(out, record, format == nullptr ? "%Y-%m-%d" : format, kt::FromClock::kTime);
+}
+
+void KtDate::ScanFromKtString(const KtString& in, const char* format) {
+  *this = kt::scanDateTime(in, format == nullptr ? "%Y-%m-%d" : format).date;
+}

@@ -1,0 +1,78 @@
+// ktdatetime.cpp - what of KtDateTime needs the clock or text.
+#include "ktdatetime.h"
+
+#include "ktint64.h"
+#include "ktstring.h"
+#include "values/datetime_text.h"
+
+#include <ktbs.h>
+
+namespace {
+
+constexpr char kDefaultFormat[] = "%Y-%m-%dT%H:%M:%S";
+constexpr int kUnknownOffset = -2171;
+constexpr int kDayMinutes = 1440;
+
+// Moves to the given minute of the day, which may lie up to a day before or behind it.
+void setMinuteOfDay(KtDateTime& value, int minutes) {
+  if (minutes >= kDayMinutes) {
+    ++value.date;
+    minutes -= kDayMinutes;
+  }
+  int hour = minutes / 60;
+  int minute = minutes % 60;
+  if (minutes < 0) {
+    --value.date;
+    hour += minute == 0 ? 24 : 23;
+    minute += minute == 0 ? 0 : 60;
+  }
+  value.time = KtTime(hour, minute, value.time.second);
+}
+
+// direction: 1 adds the offset of local time, -1 takes it away.
+int shiftByOffset(KtDateTime& value, int direction) {
+  const int offset = bksgettimezone();
+  if (offset == kUnknownOffset) return kUnknownOffset;
+  setMinuteOfDay(value, value.time.hour * 60 + value.time.minute + direction * offset);
+  return 0;
+}
+
+}  // namespace
+
+KtDateTime::KtDateTime() = default;
+KtDateTime::KtDateTime(const KtDate& aDate) : date(aDate) {}
+KtDateTime::KtDateTime(const KtTime& aTime) : time(aTime) {}
+
+KtDateTime& KtDateTime::Now() {
+  time.Now();
+  date.Today();
+  return *this;
+}
+
+KtDateTime& KtDateTime::NowUTC() {
+  KtTimeRecord now;
+  KtDateRecord today;
+  bksgetsystemtime(now, today);
+  return *this = KtDateTime(KtDate(today.year, today.month, today.day), KtTime(now.hour, now.minute, now.second));
+}
+
+const KtDateTime& KtDateTime::Null() {
+  static constexpr KtDateTime zeros(KtDate(0, 0, 0), KtTime(0, 0, 0));
+  return zeros;
+}
+
+int KtDateTime::ToLocalTime() { return shiftByOffset(*this, 1); }
+int KtDateTime::ToUTCTime() { return shiftByOffset(*this, -1); }
+
+KtString& KtDateTime::PrintToKtString(KtString& out, const char* format) const {
+  return kt::printDateTime(out, *this, format == nullptr ? kDefaultFormat : format);
+}
+
+void KtDateTime::ScanFromKtString(const KtString& in, const char* format) {
+  *this = kt::scanDateTime(in, format == nullptr ? kDefaultFormat : format);
+}
+
+int GetSystemTimeInMSSinceTheEpoch(KtInt64& result) {
+  result = KtInt64(bksgetmilliseconds());
+  return 0;
+}

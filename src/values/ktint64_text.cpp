@@ -1,0 +1,154 @@
+// ktint64_text.cpp - printing and scanning KtInt64 by a format.
+#include "ktint64.h"
+
+#include "ktstring.h"
+#include "text/text_units.h"
+#include "values/append_short.h"
+#include "values/integer_digits.h"
+#include "values/narrow_text.h"
+#include "values/string_edit.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr char kDefaultFormat[] = "%S";
+constexpr unsigned kLowerGap = 'a' - '9' - 1;
+constexpr unsigned kUpperGap = 'A' - '9' - 1;
+
+bool isConversion(const char* format) {
+  if (format[0] != '%') return false;
+  switch (format[1]) {
+    case 'S':
+    case 'd':
+    case 'i':
+    case 'o':
+    case 'x':
+    case 'X': return true;
+    default: return false;
+  }
+}
+
+// --- printing -------------------------------------------------------------------------------------------------------
+
+constexpr unsigned kMaxPrefix = 8;  // room for a sign and 0x
+
+void appendNumber(KtString& out, const KtInt64& number, char directive) {
+  char text[kMaxPrefix + kt::kMaxDigits + kt::kShortText] = {};
+  char* const end = text + kMaxPrefix + kt::kMaxDigits;
+  char* begin;
+  const std::uint64_t magnitude = number.Abs().Bits();
+  bool isSigned = number.high < 0;
+  switch (directive) {
+    case 'x':
+    case 'X':
+      begin = kt::writeDigits<16>(end, magnitude, directive == 'x' ? kLowerGap : kUpperGap);
+      *--begin = directive;
+      *--begin = '0';
+      break;
+    case 'o':
+      begin = kt::writeDigits<8>(end, magnitude, 0);
+      *--begin = '0';
+      break;
+    default:
+      begin = kt::writeDigits<10>(end, magnitude, 0);
+      if (isSigned) *--begin = '-';
+      isSigned = false;
+  }
+  // The least number has no positive counterpart: in these bases it stands without a sign.
+  if (isSigned && static_cast<std::int64_t>(magnitude) >= 0) *--begin = '-';
+  kt::appendShort(out, begin, static_cast<unsigned long>(end - begin));
+}
+
+// The longest texts: a sign and 20 digits of base 10 (no sign on the least number in base 8), 0 and 22 digits of base 8.
+static_assert(kt::kShortText >= 1 + 1 + 22);
+
+// The end of the run of ordinary characters that begins at `from`.
+const char* ordinaryEnd(const char* from) {
+  while (*from != '\0' && !isConversion(from)) ++from;
+  return from;
+}
+
+// --- scanning -------------------------------------------------------------------------------------------------------
+
+// The base that the prefix of a number tells; 0x is stepped over, a 0 stays a digit.
+unsigned takeBase(const char*& at, const char* end) {
+  if (at == end || *at != '0') return 10;
+  if (end - at < 2 || (at[1] != 'x' && at[1] != 'X')) return 8;
+  at += 2;
+  return 16;
+}
+
+bool agrees(char directive, unsigned base) {
+  switch (directive) {
+    case 'd':
+    case 'i': return base == 10;
+    case 'o': return base == 8;
+    case 'x':
+    case 'X': return base == 16;
+    default: return true;
+  }
+}
+
+bool readNumber(const char* begin, const char* end, unsigned base, std::uint64_t& number) {
+  const auto length = static_cast<unsigned long>(end - begin);
+  switch (base) {
+    case 8: return kt::readDigits<8>(begin, length, number);
+    case 16: return kt::readDigits<16>(begin, length, number);
+    default: return kt::readDigits<10>(begin, length, number);
+  }
+}
+
+// One conversion; moves `at` behind the number, which ends in front of `stop` or at the end of the text.
+bool scanNumber(const char*& at, const char* end, char directive, char stop, KtInt64& number) {
+  const bool isNegative = *at == '-';
+  if (*at == '-' || *at == '+') ++at;
+  const unsigned base = takeBase(at, end);
+  if (!agrees(directive, base)) return false;
+  const char* last = stop == '\0' ? end : std::find(at, end, stop);
+  std::uint64_t magnitude;
+  if (!readNumber(at, last, base, magnitude)) return false;
+  at = last;
+  number = KtInt64(static_cast<unsigned long long>(isNegative ? 0 - magnitude : magnitude));
+  return true;
+}
+
+// False where the text does not match the format.
+bool scanText(const char* at, const char* end, const char* format, KtInt64& number) {
+  while (at != end && *format != '\0') {
+    if (!isConversion(format)) {
+      if (*format++ != *at++) return false;
+      continue;
+    }
+    const char directive = format[1];
+    format += 2;
+    if (!scanNumber(at, end, directive, *format, number)) return false;
+    // What follows the number must be there: a text that ends early does not match.
+    if (*format != (at == end ? '\0' : *at)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
+  if (format == nullptr) format = kDefaultFormat;
+  while (*format != '\0') {
+    if (isConversion(format)) {
+      appendNumber(out, *this, format[1]);
+      format += 2;
+      continue;
+    }
+    const char* end = ordinaryEnd(format);
+    kt::append(out, format, kt::narrowSet(), static_cast<unsigned long>(end - format));
+    format = end;
+  }
+  return out;
+}
+
+void KtInt64::ScanFromKtString(const KtString& in, const char* format) {
+  const kt::NarrowText text(in);
+  KtInt64 number;
+  *this =
+      scanText(text.begin(), text.end(), format == nullptr ? kDefaultFormat : format, number) ? number : KtInt64(-1);
+}

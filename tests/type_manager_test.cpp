@@ -1,0 +1,167 @@
+// KtTypeMgr's own rules: arrays, exchanges, conversions through text, null fallbacks, the module functions.
+#include <kttm.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+// The older conversions are there for derived classes.
+class OldManager : public KtTypeMgr {
+public:
+  OldManager() : KtTypeMgr(12) {}
+  using KtTypeMgr::ConvertFromKtStringOld;
+  using KtTypeMgr::ConvertToKtStringOld;
+};
+
+TEST(TypeManager, elements_are_found_by_index_below_the_count) {
+  KtTypeMgr mgr(12);
+  std::int32_t values[6];
+  EXPECT_EQ(mgr.GetArrayElement(KT_ID_long, values, 4, 5), &values[4]);
+  EXPECT_EQ(mgr.GetArrayElement(KT_ID_long, values, 5, 5), nullptr);
+  EXPECT_EQ(mgr.GetArrayElement(KT_ID_long, values, 5, 0), &values[5]);  // count 0: unbounded
+  EXPECT_EQ(mgr.MemLenGet(KT_ID_KtDate, 3), 12);
+  EXPECT_EQ(mgr.MemLenGet(KT_ID_long, 20000), 80000 - 65536);
+  EXPECT_EQ(mgr.DiskIsNullValue(KT_ID_KtString, nullptr), -2999);
+}
+
+KtString& printNothing(KtString& out, void*, const char*, unsigned long) { return out += 'x'; }
+void* scanNothing(void* values, KtString&, const char*, unsigned long) { return values; }
+long alwaysLess(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short, unsigned long, int& status) {
+  status = 3;
+  return -1;
+}
+
+TEST(TypeManager, operations_can_be_exchanged_for_every_manager) {
+  KtTypeMgr one(12);
+  KtTypeMgr two(4);
+  std::int32_t value = 5;
+  const auto compare = one.ExchangeKtTypeCmpFunc(KT_ID_long, alwaysLess);
+  const auto print = one.ExchangePrintToKtStringFunc(KT_ID_long, printNothing);
+  const auto scan = one.ExchangeScanFromKtStringFunc(KT_ID_long, scanNothing);
+  KtString out;
+  KtString in("9");
+  EXPECT_EQ(two.Cmp(KT_ID_long, &value, &value, 0, 1, 8), -1);
+  EXPECT_STREQ(two.PrintToKtString(KT_ID_long, out, &value, nullptr, 2).StrGet(), "x,x");
+  two.ScanFromKtString(KT_ID_long, &value, in, nullptr, 1);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(one.ExchangeKtTypeCmpFunc(KT_ID_long, compare), &alwaysLess);
+  EXPECT_EQ(one.ExchangePrintToKtStringFunc(KT_ID_long, print), &printNothing);
+  EXPECT_EQ(one.ExchangeScanFromKtStringFunc(KT_ID_long, scan), &scanNothing);
+  EXPECT_EQ(one.ExchangeKtTypeCmpFunc(KT_ID_long, nullptr), &LongCompare);
+}
+
+TEST(TypeManager, the_null_print_string_is_process_wide) {
+  EXPECT_STREQ(KtTypeMgr::GetNullPrintString().StrGet(), "{NULL}");
+  KtTypeMgr::SetNullPrintString("nil");
+  KtTypeMgr mgr(12);
+  KtString null;
+  KtString out("kept?");
+  null.SetNullValue();
+  EXPECT_STREQ(mgr.PrintToKtString(KT_ID_KtString, out, &null, nullptr, 1).StrGet(), "nil");
+  KtTypeMgr::SetNullPrintString("{NULL}");
+}
+
+TEST(TypeManager, a_holder_owns_its_data_only_with_a_manager) {
+  KtTypeMgr mgr(12);
+  auto* strings = static_cast<KtString*>(mgr.Create(KT_ID_KtString, 2));
+  {
+    KtTypeConvertData holder(KT_ID_KtString, 2, strings, nullptr);
+    EXPECT_EQ(holder.GetString(1), &strings[1]);
+    holder.typeId = KT_ID_long;
+    EXPECT_EQ(holder.GetString(1), nullptr);
+  }
+  KtTypeConvertData* owner = KtTypeConvertData::Make(KT_ID_KtString, 2, strings, &mgr);
+  delete owner;  // and the strings with it: the leak checker would tell
+}
+
+TEST(TypeManager, older_conversion_joins_with_a_separator_that_no_value_holds) {
+  OldManager mgr;
+  KtString values[2] = {KtString("a,b"), KtString("c")};
+  KtString* joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 2);
+  EXPECT_STREQ(joined->StrGet(), "a,b\001c\001");
+  auto* back = static_cast<KtString*>(mgr.ConvertFromKtStringOld(joined, KT_ID_KtString, 3));
+  EXPECT_STREQ(back[0].StrGet(), "a,b");
+  EXPECT_STREQ(back[1].StrGet(), "c");
+  EXPECT_EQ(back[2].IsEmpty(), 1);
+  mgr.Delete(KT_ID_KtString, back, 3);
+  mgr.Delete(KT_ID_KtString, joined, 1);
+
+  values[1] = "x\001y";
+  joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 2);
+  EXPECT_STREQ(joined->StrGet(), "a,b\002x\001y\002");
+  mgr.Delete(KT_ID_KtString, joined, 1);
+  EXPECT_EQ(mgr.ConvertToKtStringOld(values, 100, 1), nullptr);
+}
+
+TEST(TypeManager, older_conversion_takes_the_last_character_as_separator) {
+  OldManager mgr;
+  KtString text("12;34;");
+  auto* numbers = static_cast<std::int32_t*>(mgr.ConvertFromKtStringOld(&text, KT_ID_long, 2));
+  EXPECT_EQ(numbers[0], 12);
+  EXPECT_EQ(numbers[1], 34);
+  EXPECT_EQ(text.IsEmpty(), 1);
+  mgr.Delete(KT_ID_long, numbers, 2);
+  KtString odd("12");  // separator "2": the pieces are "1" and ""
+  numbers = static_cast<std::int32_t*>(mgr.ConvertFromKtStringOld(&odd, KT_ID_long, 2));
+  EXPECT_EQ(numbers[0], 1);
+  EXPECT_EQ(numbers[1], 0);
+  mgr.Delete(KT_ID_long, numbers, 2);
+}
+
+TEST(TypeManager, setting_null_falls_back_to_what_an_empty_string_converts_to) {
+  KtTypeMgr mgr(12);
+  KtTypeMgr legacy(11);
+  double number = 5.5;
+  EXPECT_EQ(mgr.SetNullValue(KT_ID_double, &number), 0);
+  EXPECT_EQ(number, 0.0);
+  KtString text("abc");
+  EXPECT_EQ(mgr.SetNullValue(KT_ID_KtString, &text), 0);
+  EXPECT_EQ(mgr.IsNullValue(KT_ID_KtString, &text), 1);
+  text = "abc";
+  EXPECT_EQ(legacy.SetNullValue(KT_ID_KtString, &text), 0);
+  EXPECT_EQ(text.IsEmpty(), 1);
+  EXPECT_EQ(text.IsNullValue(), 0);
+}
+
+TEST(TypeManager, the_module_attaches_describes_itself_and_checks_versions) {
+  EXPECT_EQ(DefaultTypeMgr(), nullptr);
+  EXPECT_EQ(___KtTypemgrContext(1), 1);
+  KtTypeMgr* first = DefaultTypeMgr();
+  ASSERT_NE(first, nullptr);
+  char id;
+  EXPECT_EQ(first->Name2KtTypeId("KtSeal", id), 0);
+  auto* second = new KtTypeMgr(11);
+  EXPECT_EQ(DefaultTypeMgr(second), first);
+  EXPECT_EQ(DefaultTypeMgr(), second);
+  delete first;
+  ___KtTypemgrContext(0);
+  EXPECT_EQ(DefaultTypeMgr(), nullptr);
+
+  EXPECT_EQ(KtCheckDll(0), 1);
+  EXPECT_EQ(CheckKtVersionNumber(10, 0, 0, 0, 0, 3), 0);
+  int version[6];
+  const char* texts[5];
+  EXPECT_STREQ(KtDescribeDll(&version[0], &version[1], &version[2], &version[3], &version[4], &texts[0], &texts[1],
+                             &texts[2], &version[5], &texts[3], &texts[4]),
+               "Kato Typemanager");
+  const int expected[] = {9, 5, 23, 262, 0};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(version[i], expected[i]);
+  EXPECT_STREQ(texts[0], "kttms");
+  EXPECT_STREQ(texts[2], "unknown");
+  EXPECT_STREQ(texts[4], "");
+  const char* description = nullptr;
+  GetKtTypeMgrInfo(nullptr, nullptr, &description, nullptr, nullptr);
+  EXPECT_STREQ(description, "Kato Typemanager 9.5.23.262.0 ");
+}
+
+TEST(TypeManager, the_options_word_is_one_word) {
+  EXPECT_EQ(___KtTypeMgrOptions(), 0);
+  ___KtTypeMgrOptions() = 1;
+  EXPECT_EQ(static_cast<int>(KtString("010")), 10);
+  ___KtTypeMgrOptions() = 0;
+  EXPECT_EQ(static_cast<int>(KtString("010")), 8);
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+// cli.h - the subcommands, and how they declare their options.
+#ifndef KTTM_TOOL_CLI_H
+#define KTTM_TOOL_CLI_H
+
+#include "reader.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// Each adds its subcommand, whose work is done while the arguments are parsed.
+void addTypes(CLI::App& app);
+void addEncode(CLI::App& app);
+void addDecode(CLI::App& app);
+void addCompare(CLI::App& app);
+void addHash(CLI::App& app);
+void addSort(CLI::App& app);
+void addConvert(CLI::App& app);
+
+// The parser takes "[a,b]" apart into two values, and forgets "--" where a list has begun. So arguments go through
+// guarded() before they are parsed and come back through the functions below: every text arrives as it was typed.
+std::vector<std::string> guarded(const std::vector<std::string>& arguments);
+std::vector<std::string> texts(const CLI::Option& option);          // what was given, one string each
+std::string text(const CLI::Option& option, const char* fallback);  // the only or last one
+
+// The options that say how texts become values.
+class ReadFlags {
+public:
+  explicit ReadFlags(CLI::App& command);
+  ReadOptions options() const;
+
+private:
+  CLI::Option* format_;
+  CLI::Option* convert_;
+  CLI::Option* lenient_;
+  CLI::Option* language_;
+  CLI::Option* codeSet_;
+};
+
+// name: "--format CODE" for an option with its value, "TYPE" for a positional.
+CLI::Option* addOption(CLI::App& command, const char* name, const char* description);
+CLI::Option* addList(CLI::App& command, const char* name, const char* description);  // takes any number of texts
+CLI::Option* addFlag(CLI::App& command, const char* name, const char* description);
+CLI::Option* addType(CLI::App& command);
+CLI::Option* addFormat(CLI::App& command);
+CLI::Option* addOperator(CLI::App& command);
+
+// Prints a line to standard output.
+void printLine(const std::string& line);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,69 @@
+// encode: texts to the bytes of a run in a disk format.
+#include "cli.h"
+#include "error.h"
+#include "files.h"
+
+#include <memory>
+
+namespace tool {
+namespace {
+
+struct Encode {
+  CLI::Option* type;
+  CLI::Option* values;
+  CLI::Option* format;
+  CLI::Option* each;
+  CLI::Option* raw;
+  CLI::Option* out;
+  ReadFlags read;
+
+  explicit Encode(CLI::App& command)
+      : type(addType(command)),
+        values(addList(command, "VALUE", "texts of the values")->required()),
+        format(addFormat(command)),
+        each(addFlag(command, "--each", "one line a value, each as a run of its own")),
+        raw(addFlag(command, "--raw", "write bytes instead of hexadecimal text")),
+        out(addOption(command, "--out FILE", "write the bytes to this file")),
+        read(command) {}
+
+  void run() const {
+    const Reader reader(parseType(text(*type, "")), read.options());
+    const unsigned char code = parseFormat(text(*format, "little"));
+    const Values run = reader.readAll(texts(*values));
+    if (each->count() > 0) return printEach(run, code);
+    const Bytes bytes = stored(run.id(), run.at(0), code, run.count());
+    if (out->count() > 0) {
+      writeFile(text(*out, ""), bytes);
+    } else if (raw->count() > 0) {
+      writeOutput(bytes);
+    } else {
+      printLine(toHex(bytes));
+    }
+  }
+
+  void printEach(const Values& run, unsigned char code) const {
+    if (out->count() > 0 || raw->count() > 0)
+      throw Error("--each prints lines of hexadecimal text: not --raw or --out");
+    for (unsigned long i = 0; i < run.count(); ++i) printLine(toHex(stored(run.id(), run.at(i), code, 1)));
+  }
+};
+
+const char kExamples[] =
+    "Examples:\n"
+    "  kttm encode short 1 -2                   # 0100feff\n"
+    "  kttm encode int 258 -1 --format big --each\n"
+    "                                           # 00000102\n"
+    "                                           # ffffffff\n"
+    "  kttm encode KtString ab --language german\n"
+    "                                           # 06000102616200ff";
+
+}  // namespace
+
+void addEncode(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("encode", "Turns texts into the bytes that are stored");
+  command->footer(kExamples);
+  const auto encode = std::make_shared<Encode>(*command);
+  command->callback([encode] { encode->run(); });
+}
+
+}  // namespace tool

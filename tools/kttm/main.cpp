@@ -1,0 +1,76 @@
+// kttm - looks into stored values: prints, encodes, decodes, compares, hashes, sorts and converts them.
+//
+// Exit codes: 0 done, 2 a mistake in the arguments or the data, told on stderr as "kttm: ...".
+#include "cli.h"
+#include "error.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+namespace {
+
+constexpr int kFailed = 2;
+
+const char kAbout[] =
+    "Looks into stored values of an object database, type by type.\n"
+    "Types, formats, languages and code sets go by name or number. Texts are UTF-8. A value that begins with \"-\" and "
+    "is "
+    "no number stands behind \"--\".";
+
+const char kExamples[] =
+    "Examples:\n"
+    "  kttm encode long 1 -2 --format big    # 00000001fffffffe\n"
+    "  kttm decode long 2a000000             # 42\n"
+    "`kttm COMMAND --help` shows more of each.";
+
+std::string version() {
+  const char* description = nullptr;
+  GetKtTypeMgrInfo(nullptr, nullptr, &description, nullptr, nullptr);
+  return description;
+}
+
+void addCommands(CLI::App& app) {
+  app.footer(kExamples);
+  app.require_subcommand(1, 1);
+  app.set_version_flag("--version", version());
+  tool::addTypes(app);
+  tool::addEncode(app);
+  tool::addDecode(app);
+  tool::addCompare(app);
+  tool::addHash(app);
+  tool::addSort(app);
+  tool::addConvert(app);
+}
+
+int fail(const char* message) {
+  std::cout.flush();
+  std::fprintf(stderr, "kttm: %s\n", message);
+  return kFailed;
+}
+
+int run(int argc, char** argv) {
+  CLI::App app(kAbout, "kttm");
+  addCommands(app);
+  std::vector<std::string> arguments = tool::guarded({argv + std::min(argc, 1), argv + argc});
+  std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+  try {
+    app.parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // help and version
+    return fail(error.what());
+  }
+  return std::cout.flush() ? 0 : fail("cannot write to standard output");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    return fail(error.what());
+  } catch (...) {
+    return fail("an unknown error");
+  }
+}

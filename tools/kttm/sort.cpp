@@ -1,0 +1,123 @@
+// sort: lines in the order of a type.
+#include "cli.h"
+#include "error.h"
+#include "files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <numeric>
+
+namespace tool {
+namespace {
+
+using Indexes = std::vector<unsigned long>;
+
+// Stable, and well-behaved whatever the comparison answers: every merge only ever moves forward through its two halves.
+template <class Less>
+void mergeSort(Indexes& items, Less less) {
+  Indexes merged(items.size());
+  const auto at = [&](std::size_t i) { return items.begin() + static_cast<std::ptrdiff_t>(std::min(i, items.size())); };
+  for (std::size_t width = 1; width < items.size(); width *= 2) {
+    for (std::size_t i = 0; i < items.size(); i += 2 * width) {
+      std::merge(at(i), at(i + width), at(i + width), at(i + 2 * width),
+                 merged.begin() + static_cast<std::ptrdiff_t>(i), less);
+    }
+    items.swap(merged);
+  }
+}
+
+// Values that have no place in an order (a NaN) are equal to everything, also to two values that differ.
+class Placeable {
+public:
+  Placeable(const Type& type, unsigned short op)
+      : op_(op), low_(Values::converted(type, KtString("0"))), high_(Values::converted(type, KtString("1"))) {}
+  bool operator()(void* value) const {
+    return compared(low_.id(), low_.at(0), high_.at(0), op_) == 0 || compared(low_.id(), value, low_.at(0), op_) != 0 ||
+           compared(low_.id(), value, high_.at(0), op_) != 0;
+  }
+
+private:
+  unsigned short op_;
+  Values low_;
+  Values high_;
+};
+
+struct Sort {
+  CLI::Option* type;
+  CLI::Option* file;
+  CLI::Option* op;
+  CLI::Option* reverse;
+  CLI::Option* unique;
+  ReadFlags read;
+
+  explicit Sort(CLI::App& command)
+      : type(addType(command)),
+        file(addOption(command, "FILE", "file of lines; - is standard input, which is the default")),
+        op(addOperator(command)),
+        reverse(addFlag(command, "--reverse", "greatest first; lines that are equal keep their order")),
+        unique(addFlag(command, "--unique", "of lines that are equal, print the first only")),
+        read(command) {}
+
+  // Patterns have no place in an order: wildcards are off.
+  unsigned short orderOperator() const {
+    const unsigned bits = parseOperator(text(*op, "default"));
+    if (text(*op, "").find("wildcards") != std::string::npos) throw Error("an order has no wildcards");
+    return static_cast<unsigned short>(bits == KtCMP_DEFAULT ? KtCMP_NO_WILDCARDS : bits | KtCMP_NO_WILDCARDS);
+  }
+
+  Values readLines(const Type& which, const std::vector<std::string>& lines, unsigned short bits) const {
+    const Reader reader(which, read.options());
+    const Placeable placeable(which, bits);
+    Values values(which, lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      const std::string where = "line " + std::to_string(i + 1) + ": ";
+      try {
+        reader.read(lines[i], values.at(i));
+      } catch (const Error& error) {
+        throw Error(where + error.what());
+      }
+      if (!placeable(values.at(i)))
+        throw Error(where + quoted(lines[i]) + " has no place in the order of " + which.name);
+    }
+    return values;
+  }
+
+  void run() const {
+    const Type which = parseType(text(*type, ""));
+    requireValues(which);
+    const unsigned short bits = orderOperator();
+    const std::vector<std::string> lines = splitLines(readFile(text(*file, "-")));
+    if (lines.empty()) return;
+    const Values values = readLines(which, lines, bits);
+    const int before = reverse->count() > 0 ? 1 : -1;
+    const auto order = [&](unsigned long a, unsigned long b) {
+      return compared(which.id, values.at(a), values.at(b), bits);
+    };
+    Indexes indexes(lines.size());
+    std::iota(indexes.begin(), indexes.end(), 0UL);
+    mergeSort(indexes, [&](unsigned long a, unsigned long b) { return order(a, b) == before; });
+    const auto same = [&](unsigned long a, unsigned long b) { return order(a, b) == 0; };
+    if (unique->count() > 0) indexes.erase(std::unique(indexes.begin(), indexes.end(), same), indexes.end());
+    for (const unsigned long i : indexes) printLine(lines[i]);
+  }
+};
+
+const char kExamples[] =
+    "Examples:\n"
+    "  printf '10\\n9\\n' | kttm sort int       # 9\n"
+    "                                           # 10\n"
+    "  printf 'ä\\nz\\n' | kttm sort KtString --language swedish\n"
+    "                                           # z\n"
+    "                                           # ä";
+
+}  // namespace
+
+void addSort(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("sort", "Sorts lines in the order of a type");
+  command->footer(kExamples);
+  const auto sort = std::make_shared<Sort>(*command);
+  command->callback([sort] { sort->run(); });
+}
+
+}  // namespace tool
