@@ -12,3 +12,11 @@ foreach(folder IN LISTS folders)
     target_link_libraries(${name} PRIVATE kttm::kttm)
   endif()
 endforeach()
+
+# The examples that need no more than the library run as tests.
+if(KTTM_TESTS)
+  add_test(NAME examples.first COMMAND first)
+  set_tests_properties(examples.first PROPERTIES PASS_REGULAR_EXPRESSION "^12,-7: 4 bytes, compared: 1")
+  add_test(NAME examples.columns COMMAND columns "${PROJECT_SOURCE_DIR}/examples/data/countries.csv"
+                                                 "${PROJECT_SOURCE_DIR}/examples/data/cities.csv")
+endif()

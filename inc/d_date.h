@@ -30,7 +30,15 @@ class d_Timestamp;
 // Threads: pure, but for what reads the clock.
 class KTTM_API d_Date {
 public:
+  // The names are those of KtDaysOfTheWeek as well, the numbers are not: outside the class say d_Date::Sunday.
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wshadow"
+#endif
   enum Weekday : int { Sunday, Monday, Tuesday, Wednesday, Thursday, Friday, Saturday };
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
   std::int16_t year;
   std::int8_t month;  // 1 to 12
@@ -78,7 +86,7 @@ public:
   }
 
   // --- change -----------------------------------------------------------------------------------------------------
-  constexpr d_Date& setAbsDate(long absDate);  // of the number the low 32 bits
+  constexpr d_Date& setAbsDate(long absDate);   // of the number the low 32 bits
   constexpr d_Date& next(Weekday weekday);      // the day of that name, 1 to 7 days ahead
   constexpr d_Date& previous(Weekday weekday);  // the same, back
   constexpr d_Date operator++(int) { return Step(1); }

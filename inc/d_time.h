@@ -30,13 +30,38 @@ class KTTM_API d_Time {
 public:
   // Whole hours from universal time.
   enum Time_Zone : int {
-    GMT = 0, GMT1 = 1, GMT2 = 2, GMT3 = 3, GMT4 = 4, GMT5 = 5, GMT6 = 6, GMT7 = 7, GMT8 = 8, GMT9 = 9, GMT10 = 10,
-    GMT11 = 11, GMT12 = 12, GMT_1 = -1, GMT_2 = -2, GMT_3 = -3, GMT_4 = -4, GMT_5 = -5, GMT_6 = -6, GMT_7 = -7,
-    GMT_8 = -8, GMT_9 = -9, GMT_10 = -10, GMT_11 = -11, GMT_12 = -12,
-    USeastern = -5, UScentral = -6, USmountain = -7, USpacific = -8
+    GMT = 0,
+    GMT1 = 1,
+    GMT2 = 2,
+    GMT3 = 3,
+    GMT4 = 4,
+    GMT5 = 5,
+    GMT6 = 6,
+    GMT7 = 7,
+    GMT8 = 8,
+    GMT9 = 9,
+    GMT10 = 10,
+    GMT11 = 11,
+    GMT12 = 12,
+    GMT_1 = -1,
+    GMT_2 = -2,
+    GMT_3 = -3,
+    GMT_4 = -4,
+    GMT_5 = -5,
+    GMT_6 = -6,
+    GMT_7 = -7,
+    GMT_8 = -8,
+    GMT_9 = -9,
+    GMT_10 = -10,
+    GMT_11 = -11,
+    GMT_12 = -12,
+    USeastern = -5,
+    UScentral = -6,
+    USmountain = -7,
+    USpacific = -8
   };
 
-  std::int8_t tz_hour;     // the zone, to add to universal time; tz_minute has the same sign
+  std::int8_t tz_hour;  // the zone, to add to universal time; tz_minute has the same sign
   std::int8_t tz_minute;
   std::int8_t hour;        // 0 to 23, in that zone
   std::int8_t minute;      // 0 to 59

@@ -16,7 +16,9 @@ enum KtDaysOfTheWeek : int { Monday, Tuesday, Wednesday, Thursday, Friday, Satur
 namespace kt {
 
 // The low 32 bits as a number: sums and products that leave 32 bits wrap.
-constexpr std::int32_t wrapped(std::uint64_t bits) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)); }
+constexpr std::int32_t wrapped(std::uint64_t bits) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits));
+}
 constexpr std::int32_t stored32(long number) { return wrapped(static_cast<std::uint64_t>(number)); }
 
 }  // namespace kt
@@ -61,7 +63,7 @@ public:
         month(static_cast<std::int8_t>(monthOfYear)),
         day(static_cast<std::int8_t>(dayOfMonth)) {}
 
-  KtDate& Today();                             // becomes today's local date
+  KtDate& Today();                            // becomes today's local date
   constexpr KtDate& dateabs(long dayNumber);  // becomes the date of the day number
 
   // --- ask ------------------------------------------------------------------------------------------------------
@@ -70,7 +72,10 @@ public:
   // Days to the first of the next month: 31 on 1 January, 1 on the last day of a month, 0 or less beyond it.
   constexpr long daynxtmonth() const { return KtDate(year, month + 1, 1).dayabs() - dayabs(); }
   constexpr int IsLastDayOfTheMonth() const { return daynxtmonth() == 1; }
-  constexpr int IsDate() const { return day >= 1 && day <= 31 && month >= 1 && month <= 12 && daynxtmonth() > 0; }
+  constexpr int IsDate() const {
+    if (day < 1 || day > 31 || month < 1 || month > 12) return 0;
+    return (day <= 28 && year > -4800) || daynxtmonth() > 0;  // no month is shorter
+  }
   constexpr int IsNullValue() const { return year == -32768 && month == -128 && day == -128; }
 
   // The weekday from 0000-03-01 to 4600-02-28. In far years a value outside the enumeration: "no day".
@@ -79,8 +84,12 @@ public:
 
   // Quotient and remainder of the magnitudes, negative when exactly one operand is: modulo(7, -2) is -1, modulo(-7, -2)
   // is 1. b must not be 0.
-  static constexpr long divide(long a, long b) { return static_cast<long>(signedAs(a, b, magnitude(a) / magnitude(b))); }
-  static constexpr long modulo(long a, long b) { return static_cast<long>(signedAs(a, b, magnitude(a) % magnitude(b))); }
+  static constexpr long divide(long a, long b) {
+    return static_cast<long>(signedAs(a, b, magnitude(a) / magnitude(b)));
+  }
+  static constexpr long modulo(long a, long b) {
+    return static_cast<long>(signedAs(a, b, magnitude(a) % magnitude(b)));
+  }
 
   // --- change: through the day number, which makes a date of any fields -----------------------------------------
   constexpr int SetNullValue() {  // 0
@@ -89,14 +98,10 @@ public:
   }
   template <class Number>
     requires(std::is_integral_v<Number>)
-  constexpr KtDate operator+(Number days) const {
-    return KtDate(sum(dayabs(), static_cast<long>(days)));
-  }
+  constexpr KtDate operator+(Number days) const { return KtDate(sum(dayabs(), static_cast<long>(days))); }
   template <class Number>
     requires(std::is_integral_v<Number>)
-  constexpr KtDate operator-(Number days) const {
-    return KtDate(difference(dayabs(), static_cast<long>(days)));
-  }
+  constexpr KtDate operator-(Number days) const { return KtDate(difference(dayabs(), static_cast<long>(days))); }
   constexpr long operator-(const KtDate& other) const { return dayabs() - other.dayabs(); }
   constexpr KtDate& operator+=(long days) { return *this = *this + days; }
   constexpr KtDate& operator-=(long days) { return *this = *this - days; }
@@ -145,9 +150,9 @@ static_assert(offsetof(KtDate, year) == 0 && offsetof(KtDate, month) == 2 && off
 
 // The rule of Fliegel and Van Flandern. Quotients are cut toward zero, which shows for years before -4800.
 constexpr long KtDate::dayabs() const {
-  const int a = (month - 14) / 12;         // -1 in January and February, else 0, for months 1 to 13
-  const int b = year + a + 4800;           // -27,980 to 37,567
-  const int c = month - 2 - 12 * a;        // 1 in March to 12 in February
+  const int a = (month - 14) / 12;   // -1 in January and February, else 0, for months 1 to 13
+  const int b = year + a + 4800;     // -27,980 to 37,567
+  const int c = month - 2 - 12 * a;  // 1 in March to 12 in February
   return 1461 * b / 4 + 367 * c / 12 - 3 * ((b + 100) / 100) / 4 + day - 32075;
 }
 
@@ -155,13 +160,13 @@ constexpr KtDate& KtDate::dateabs(long dayNumber) {
   using kt::wrapped;
   const auto u = [](std::int32_t number) { return static_cast<std::uint32_t>(number); };
   std::int32_t l = wrapped(u(kt::stored32(dayNumber)) + 68569u);
-  const std::int32_t n = wrapped(4u * u(l)) / 146097;                // centuries of 400 years
-  l = wrapped(u(l) - u((146097 * n + 3) / 4));                       // day in the century: 0 to 36,524
-  const std::int32_t i = wrapped(4000u * (u(l) + 1u)) / 1461001;     // year in it: 0 to 99
-  l = wrapped(u(l) - u(1461 * i / 4) + 31u);                         // day from a March on: 31 to 396
-  const std::int32_t j = wrapped(80u * u(l)) / 2447;                 // month: 1 to 12
+  const std::int32_t n = wrapped(4u * u(l)) / 146097;             // centuries of 400 years
+  l = wrapped(u(l) - u((146097 * n + 3) / 4));                    // day in the century: 0 to 36,524
+  const std::int32_t i = wrapped(4000u * (u(l) + 1u)) / 1461001;  // year in it: 0 to 99
+  l = wrapped(u(l) - u(1461 * i / 4) + 31u);                      // day from a March on: 31 to 396
+  const std::int32_t j = wrapped(80u * u(l)) / 2447;              // month: 1 to 12
   day = static_cast<std::int8_t>(wrapped(u(l) - u(2447 * j / 80)));
-  const std::int32_t k = j / 11;                                     // 1 in January and February of the next year
+  const std::int32_t k = j / 11;  // 1 in January and February of the next year
   month = static_cast<std::int8_t>(j + 2 - 12 * k);
   year = static_cast<std::int16_t>(100 * (n - 49) + i + k);
   return *this;
@@ -172,8 +177,8 @@ constexpr KtDaysOfTheWeek KtDate::DayOfTheDate() const {
   const int zellerYear = year + (month - 14) / 12;
   const int zellerMonth = month + 10 - 12 * ((month + 10) / 13);
   const int century = zellerYear / 100;
-  const int w = (13 * zellerMonth - 1) / 5 + zellerYear / 400 + (day - 2 * century) +
-                5 * (zellerYear - 100 * century) / 4 + 77;
+  const int w =
+      (13 * zellerMonth - 1) / 5 + zellerYear / 400 + (day - 2 * century) + 5 * (zellerYear - 100 * century) / 4 + 77;
   const int r = w % 7;
   return static_cast<KtDaysOfTheWeek>(r == 0 ? Sunday : r - 1);
 }

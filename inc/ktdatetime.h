@@ -31,8 +31,8 @@ public:
   // --- make -----------------------------------------------------------------------------------------------------
   KtDateTime();  // today and now, local
   constexpr KtDateTime(const KtDate& aDate, const KtTime& aTime) : date(aDate), time(aTime) {}
-  KtDateTime(const KtDate& aDate);  // with the local time of day, not midnight
-  KtDateTime(const KtTime& aTime);  // with today's local date
+  KtDateTime(const KtDate& aDate);                        // with the local time of day, not midnight
+  KtDateTime(const KtTime& aTime);                        // with today's local date
   constexpr KtDateTime& operator=(const KtTime& aTime) {  // the date stays
     time = aTime;
     return *this;

@@ -19,16 +19,16 @@ inline constexpr bool kCountsAsLong = std::is_same_v<Value, KtDate> || std::is_s
 }  // namespace kt
 
 // clang-format off: one operator a line
-#define KT_COMPARE_WITH_NUMBER(op)                                                                                  \
-  template <class Value, class Number>                                                                              \
-    requires(kt::kCountsAsLong<Value> && std::is_integral_v<Number>)                                                \
-  constexpr int operator op(const Value& value, Number number) {                                                    \
-    return value.operator long() op static_cast<long>(number);                                                      \
-  }                                                                                                                 \
-  template <class Value, class Number>                                                                              \
-    requires(kt::kCountsAsLong<Value> && std::is_integral_v<Number>)                                                \
-  constexpr int operator op(Number number, const Value& value) {                                                    \
-    return static_cast<long>(number) op value.operator long();                                                      \
+#define KT_COMPARE_WITH_NUMBER(op)                                   \
+  template <class Value, class Number>                               \
+    requires(kt::kCountsAsLong<Value> && std::is_integral_v<Number>) \
+  constexpr int operator op(const Value& value, Number number) {     \
+    return value.operator long() op static_cast<long>(number);       \
+  }                                                                  \
+  template <class Value, class Number>                               \
+    requires(kt::kCountsAsLong<Value> && std::is_integral_v<Number>) \
+  constexpr int operator op(Number number, const Value& value) {     \
+    return static_cast<long>(number) op value.operator long();       \
   }
 KT_COMPARE_WITH_NUMBER(==)
 KT_COMPARE_WITH_NUMBER(!=)

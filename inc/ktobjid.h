@@ -79,8 +79,9 @@ public:
   // % and another character print that character.
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   // Becomes the id in a text by a format; null stands for "(%H-%L#%B)". A text that begins with the null print string
-  // gives null. Each directive of a field reads a decimal number and drops the digits that do not fit; every other
-  // character and directive skips one character unchecked. Fields that the format does not name become 0.
+  // gives null. Each directive of a field reads a decimal number, at most 2^32 - 1, of which 16-bit fields keep the low
+  // bits; every other character and directive skips one character unchecked. Fields that the format does not name
+  // become 0.
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };
 
@@ -119,9 +120,7 @@ public:
     if (database != other.database) return database > other.database ? 1 : -1;
     return KtObjId(block, low, high) != KtObjId(other.block, other.low, other.high);
   }
-  constexpr int operator!=(const KtObjId& other) const {
-    return database > 0 ? 1 : KtObjId(block, low, high) != other;
-  }
+  constexpr int operator!=(const KtObjId& other) const { return database > 0 ? 1 : KtObjId(block, low, high) != other; }
 
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   void ScanFromKtString(const KtString& in, const char* format = nullptr);

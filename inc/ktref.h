@@ -33,8 +33,7 @@ public:
   KtWord version;
   KtWord padding;
 
-  constexpr KtRef()
-      : block(0), low(0), high(0), idPadding(0), database(0), classNumber(0), version(0), padding(0) {}
+  constexpr KtRef() : block(0), low(0), high(0), idPadding(0), database(0), classNumber(0), version(0), padding(0) {}
   constexpr KtRef(const KtRef&) = default;
 
   // Each sets the fields that its operand has and leaves the others; of a KtLocalRef the database is 0.

@@ -169,7 +169,9 @@ public:
   KtString Right(unsigned short n) const;
 
   // --- search ---------------------------------------------------------------------------------------------------
-  // The first position from pos on at which the pattern matches, or -1.
+  // The first position from pos on at which the pattern matches, or -1; also -1 when either has no buffer or pos is beyond
+  // the length. Under 0x10 as many characters as the pattern has are compared; without it the pattern, with "*" put behind
+  // it, is compared to the end of the text (under 0x100, where that "*" is no wildcard, too).
   int Find(const KtString& pattern, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(char ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(unsigned short ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
@@ -184,8 +186,8 @@ public:
   enum class RebuildMode { kOverwrite = 1, kInsert = 2, kRebuild = 3 };
   // source: characters in sourceCodeSet, `count` of them from srcPos on (code set 0: as they stand in an 8-bit string,
   // the native set in a 16-bit one); positions and counts in characters; repeat > 1 writes the source's first character
-  // that often. The source may lie in this string's own buffer. storeFlag 255 is ordinary use; any other value is the
-  // format code of disk characters: 2 means that 16-bit source characters are big-endian, else little-endian.
+  // that often. The source may lie in this string's own buffer. storeFlag: the byte order of 16-bit
+  // source characters, as the flag of KtStringIterator; 255 is ordinary use.
   void Rebuild(const char* source, unsigned char sourceCodeSet, unsigned long pos, unsigned long srcPos,
                unsigned long count, unsigned long repeat, RebuildMode mode, unsigned char storeFlag = 255);
 
@@ -216,14 +218,22 @@ inline KtString& KtString::operator+=(char ch) {
 }
 
 KTTM_API KtString operator+(const KtString& a, const KtString& b);  // a's code set and language
-inline KtString operator+(const KtString& a, const char* b) { return a + KtString(b); }
-inline KtString operator+(const char* a, const KtString& b) { return KtString(a) + b; }
-inline KtString operator+(const KtString& a, const unsigned short* b) { return a + KtString(b); }
-inline KtString operator+(const unsigned short* a, const KtString& b) { return KtString(a) + b; }
-inline KtString operator+(const KtString& a, char b) { return a + KtString(b); }
-inline KtString operator+(char a, const KtString& b) { return KtString(a) + b; }
-inline KtString operator+(const KtString& a, unsigned short b) { return a + KtString(b); }
-inline KtString operator+(unsigned short a, const KtString& b) { return KtString(a) + b; }
+
+// What a string may be added to and compared with: it stands for the string that its constructor makes. One overload for
+// each order of operands, and the very type of the operand, so that the conversions of KtString to numbers never compete.
+template <class Text>
+concept KtTextOperand = std::is_same_v<Text, char> || std::is_same_v<Text, unsigned short> ||
+    std::is_same_v<Text, char*> || std::is_same_v<Text, const char*> || std::is_same_v<Text, unsigned short*> ||
+    std::is_same_v<Text, const unsigned short*>;
+
+template <KtTextOperand Text>
+KtString operator+(const KtString& a, Text b) {
+  return a + KtString(b);
+}
+template <KtTextOperand Text>
+KtString operator+(Text a, const KtString& b) {
+  return KtString(a) + b;
+}
 
 // Relational operators, 1 or 0: the default compare operator over the whole strings.
 KTTM_API int operator==(const KtString& a, const KtString& b);
@@ -232,34 +242,54 @@ KTTM_API int operator<(const KtString& a, const KtString& b);
 KTTM_API int operator>(const KtString& a, const KtString& b);
 KTTM_API int operator<=(const KtString& a, const KtString& b);
 KTTM_API int operator>=(const KtString& a, const KtString& b);
-inline int operator==(const KtString& a, const char* b) { return a == KtString(b); }
-inline int operator==(const char* a, const KtString& b) { return KtString(a) == b; }
-inline int operator!=(const KtString& a, const char* b) { return a != KtString(b); }
-inline int operator!=(const char* a, const KtString& b) { return KtString(a) != b; }
-inline int operator<(const KtString& a, const char* b) { return a < KtString(b); }
-inline int operator<(const char* a, const KtString& b) { return KtString(a) < b; }
-inline int operator>(const KtString& a, const char* b) { return a > KtString(b); }
-inline int operator>(const char* a, const KtString& b) { return KtString(a) > b; }
-inline int operator<=(const KtString& a, const char* b) { return a <= KtString(b); }
-inline int operator<=(const char* a, const KtString& b) { return KtString(a) <= b; }
-inline int operator>=(const KtString& a, const char* b) { return a >= KtString(b); }
-inline int operator>=(const char* a, const KtString& b) { return KtString(a) >= b; }
-inline int operator==(const KtString& a, char b) { return a == KtString(b); }
-inline int operator==(char a, const KtString& b) { return KtString(a) == b; }
-inline int operator!=(const KtString& a, char b) { return a != KtString(b); }
-inline int operator!=(char a, const KtString& b) { return KtString(a) != b; }
-inline int operator==(const KtString& a, const unsigned short* b) { return a == KtString(b); }
-inline int operator==(const unsigned short* a, const KtString& b) { return KtString(a) == b; }
-inline int operator!=(const KtString& a, const unsigned short* b) { return a != KtString(b); }
-inline int operator!=(const unsigned short* a, const KtString& b) { return KtString(a) != b; }
-inline int operator<(const KtString& a, const unsigned short* b) { return a < KtString(b); }
-inline int operator<(const unsigned short* a, const KtString& b) { return KtString(a) < b; }
-inline int operator>(const KtString& a, const unsigned short* b) { return a > KtString(b); }
-inline int operator>(const unsigned short* a, const KtString& b) { return KtString(a) > b; }
-inline int operator<=(const KtString& a, const unsigned short* b) { return a <= KtString(b); }
-inline int operator<=(const unsigned short* a, const KtString& b) { return KtString(a) <= b; }
-inline int operator>=(const KtString& a, const unsigned short* b) { return a >= KtString(b); }
-inline int operator>=(const unsigned short* a, const KtString& b) { return KtString(a) >= b; }
+template <KtTextOperand Text>
+int operator==(const KtString& a, Text b) {
+  return a == KtString(b);
+}
+template <KtTextOperand Text>
+int operator==(Text a, const KtString& b) {
+  return KtString(a) == b;
+}
+template <KtTextOperand Text>
+int operator!=(const KtString& a, Text b) {
+  return a != KtString(b);
+}
+template <KtTextOperand Text>
+int operator!=(Text a, const KtString& b) {
+  return KtString(a) != b;
+}
+template <KtTextOperand Text>
+int operator<(const KtString& a, Text b) {
+  return a < KtString(b);
+}
+template <KtTextOperand Text>
+int operator<(Text a, const KtString& b) {
+  return KtString(a) < b;
+}
+template <KtTextOperand Text>
+int operator>(const KtString& a, Text b) {
+  return a > KtString(b);
+}
+template <KtTextOperand Text>
+int operator>(Text a, const KtString& b) {
+  return KtString(a) > b;
+}
+template <KtTextOperand Text>
+int operator<=(const KtString& a, Text b) {
+  return a <= KtString(b);
+}
+template <KtTextOperand Text>
+int operator<=(Text a, const KtString& b) {
+  return KtString(a) <= b;
+}
+template <KtTextOperand Text>
+int operator>=(const KtString& a, Text b) {
+  return a >= KtString(b);
+}
+template <KtTextOperand Text>
+int operator>=(Text a, const KtString& b) {
+  return KtString(a) >= b;
+}
 
 // Takes the next item of a separated list: the characters from pos up to the separator, trimmed, become item, and pos is
 // set one past the separator's position. A separator at position 0 of the list is skipped. 0, or -2005 at the end.
@@ -267,9 +297,12 @@ KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separat
 
 // Compares two texts. Negative when s1 sorts before s2, 0, or positive.
 //   s2 is the pattern side: only its "*" and "?" act as wildcards, and only without bit 0x10 and 0x100.
-//   length: at most that many characters (-1: the whole texts). flag: byte order of 16-bit characters, see
-//   KtStringIterator. report: may be null; receives the last primary difference under bit 0x80.
-// Null texts come first. Both with code set 0: byte order, or a pattern match. Pure.
+//   cmpOp: bits as above; 65535 is no default here, but all bits.
+//   length: at most that many characters (-1: the whole texts; 0 and other negative values: equal).
+//   flag: byte order of 16-bit characters, see KtStringIterator.
+//   report: may be null; receives the last primary difference under bit 0x80.
+// Null texts come first, and before each length; under wildcards a null s1 is compared as the text that it holds. Both
+// with code set 0: byte order, or a pattern match. Pure.
 KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,
                        unsigned char language2, const char* s2, unsigned short cmpOp, short length,
                        unsigned char flag = 255, int* report = nullptr);

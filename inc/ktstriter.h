@@ -6,7 +6,7 @@
 
 // KtStringIterator: a cursor over a text that it does not own.
 //
-// Range:  code set 255 is the default 8-bit set, 0 the native one; language 255 is the default language.
+// Range:  code set 255 is the default 8-bit set, 0 the native one.
 // Null:   a null text is an empty one.
 // Order:  orders are those of the code set's characters under the collation kind of the language.
 // Size:   the text ends at a zero character or after `length` characters, whichever comes first.

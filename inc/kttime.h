@@ -56,14 +56,10 @@ public:
   // For counts from 0 up to a day; past midnight the hours begin anew.
   template <class Number>
     requires(std::is_integral_v<Number>)
-  constexpr KtTime operator+(Number seconds) const {
-    return Later(static_cast<long>(seconds));
-  }
+  constexpr KtTime operator+(Number seconds) const { return Later(static_cast<long>(seconds)); }
   template <class Number>
     requires(std::is_integral_v<Number>)
-  constexpr KtTime operator-(Number seconds) const {
-    return Earlier(static_cast<long>(seconds));
-  }
+  constexpr KtTime operator-(Number seconds) const { return Earlier(static_cast<long>(seconds)); }
   // How long ago the other time was, within a day: 10:00:00 - 11:00:00 is 23:00:00.
   constexpr KtTime operator-(const KtTime& other) const {
     return Borrowed(hour - other.hour, minute - other.minute, second - other.second);

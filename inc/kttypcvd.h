@@ -20,7 +20,8 @@ public:
   std::int32_t count;
   char typeId;
 
-  // A new holder with these fields; null when memory is exhausted (the memory handler is called).
+  // A new holder with these fields, which the caller deletes; null when memory is exhausted (the memory handler is
+  // called).
   static KtTypeConvertData* Make(char typeId, unsigned long count, void* data, KtTypeMgr* typeManager);
   ~KtTypeConvertData();
   KtTypeConvertData(const KtTypeConvertData&) = delete;

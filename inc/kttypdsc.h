@@ -63,9 +63,13 @@ constexpr char KtNO_TYPE = 100;          // "no type": a released KtTypeConvertD
 constexpr int KtERR_NOT_APPLICABLE = -2999;  // of the null operations: no such operation for this type
 constexpr int KtERR_OVERRUN = 2101;          // status: a run ended before `count` values, or rests on a truncated key
 
-// The operations. Every one works on a run of `count` values; a count of 0 does nothing and answers 0.
+// The operations. Every one works on a run of `count` values; a count of 0 does nothing and answers 0 (Create and what
+// builds on it: an array of no values, which Delete takes back). Disk runs may be unaligned. Null pointers to values are
+// the caller's error where count is not 0.
 // format: low four bits 8 memory, 1 laid out like memory, 2 big-endian, 4 little-endian with two-byte int, other codes
 // little-endian. status: 0, or KtERR_OVERRUN.
+// Owner: arrays that an operation returns belong to the caller, who frees them by Delete with the same count.
+// Threads: any thread may call any operation; runs that an operation writes belong to one thread at a time.
 using KtCreateFunc = void* (*)(unsigned long count);
 using KtDeleteFunc = void* (*)(void* values, unsigned long count);
 using KtStoreFunc = unsigned long (*)(void* dst, const void* src, unsigned char format, unsigned long count);

@@ -32,7 +32,8 @@ public:
   char* NameGet(char id, char* buffer) const;           // into buffer (16 characters suffice), or the name itself
   unsigned short MemLenGet(char id, unsigned long count) const;  // memory bytes of count values, modulo 65,536
   unsigned short IsFixed(char id) const;
-  void* GetArrayElement(char id, void* base, unsigned long index, unsigned long count) const;  // null past count
+  // The address of value `index`. Null when count is not 0 and index is not below it, and for ids outside the table.
+  void* GetArrayElement(char id, void* base, unsigned long index, unsigned long count) const;
 
   // --- life -----------------------------------------------------------------------------------------------------
   void* Create(char id, unsigned long count) const;
@@ -95,7 +96,8 @@ protected:
   // The older single-string conversion: every value's text followed by a separator that none of them contains. The
   // caller owns the string. Null where not offered.
   KtString* ConvertToKtStringOld(void* values, char id, unsigned long count);
-  // The reverse; the last character of text is the separator. text is consumed.
+  // The reverse: a new array of count values, to be deleted as one of ConvertFrom. The last character of text, whatever
+  // it is, is the separator. text is left empty.
   void* ConvertFromKtStringOld(KtString* text, char id, unsigned long count);
 
 private:
@@ -109,7 +111,8 @@ private:
 // Attaches the library (non-zero): ktin first, then a default manager of version 5. 0 deletes the default manager.
 // Result: that of ktin's context function.
 KTTM_API int ___KtTypemgrContext(int attach);
-// The default manager, null until attached; mgr, unless null, becomes the new one. The caller owns what it sets and gets.
+// The default manager as it was, null until attached; mgr, unless null, becomes the new one. Owner: detaching deletes the
+// manager that is the default then, so mgr must come from new; one that mgr replaced belongs to the caller.
 KTTM_API KtTypeMgr* DefaultTypeMgr(KtTypeMgr* mgr = nullptr);
 // 1 when this library serves a caller of the same release.
 KTTM_API int KtCheckDll(int flags);

@@ -3,8 +3,9 @@
 
 Benchmarks are named job/contestant[/size], where the job may itself contain slashes when a size follows; the contestant
 "kttm" stands against every other contestant of its job and size. The ratio is the median time of the peer divided by
-the median time of kttm. goals.csv has the columns job,peer,size,goal; an empty size stands for every size. Exit status 1
-when --check is given and a goal is missed.
+the median time of kttm, in time of the processor, which other work on the machine disturbs less than the clock's.
+goals.csv has the columns job,peer,size,goal; an empty size stands for every size. Exit status 1 when --check is given
+and a goal is missed.
 """
 
 import argparse
@@ -40,7 +41,7 @@ def read_medians(path):
             errors.append(f"{run['name']}: {run.get('error_message', '')}")
         elif key:
             job, contestant, size = key
-            time = run["real_time"] * NANOSECONDS[run["time_unit"]]
+            time = run["cpu_time"] * NANOSECONDS[run["time_unit"]]
             times.setdefault((job, size), {}).setdefault(contestant, []).append(time)
     medians = {key: {who: statistics.median(t) for who, t in group.items()} for key, group in times.items()}
     return medians, sorted(set(errors))

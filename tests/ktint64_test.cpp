@@ -25,35 +25,13 @@ using Codes = std::initializer_list<unsigned char>;
 KtInt64 number(int64_t v) { return KtInt64(static_cast<long long>(v)); }
 
 // Limits, word boundaries and small numbers of both signs.
-const int64_t kEdges[] = {0,
-                          1,
-                          2,
-                          3,
-                          7,
-                          10,
-                          1000,
-                          0x7FFFFFFF,
-                          0x80000000LL,
-                          0xFFFFFFFFLL,
-                          kMax,
-                          kMax - 1,
-                          kMin + 1,
-                          kMin,
-                          kMin + 2,
-                          -1,
-                          -2,
-                          -3,
-                          -7,
-                          -10,
-                          -100,
-                          1LL << 32,
-                          -(1LL << 32),
-                          1LL << 62,
-                          -(1LL << 62),
-                          -0x80000000LL,
-                          -0xFFFFFFFFLL,
-                          1234567890123456789,
-                          0x7FFFFFFF00000000};
+// clang-format off
+const int64_t kEdges[] = {
+    0, 1, 2, 3, 7, 10, 1000, 0x7FFFFFFF, 0x80000000LL, 0xFFFFFFFFLL, kMax, kMax - 1, kMin + 1, kMin, kMin + 2, -1, -2,
+    -3, -7, -10, -100, 1LL << 32, -(1LL << 32), 1LL << 62, -(1LL << 62), -0x80000000LL, -0xFFFFFFFFLL,
+    1234567890123456789, 0x7FFFFFFF00000000,
+};
+// clang-format on
 
 std::vector<int64_t> samples() {
   std::vector<int64_t> values(std::begin(kEdges), std::end(kEdges));
@@ -253,29 +231,16 @@ struct PrintCase {
   const char* text;
 };
 
+// clang-format off
 const PrintCase kPrintCases[] = {
-    {-255, "%x", "-0xff"},
-    {-255, "%o", "-0377"},
-    {-255, "[%S]", "[-255]"},
-    {255, "%X", "0XFF"},
-    {0, "%S", "0"},
-    {0, "%o", "00"},
-    {0, "%x", "0x0"},
-    {kMin, "%S", "-9223372036854775808"},
-    {kMin, "%d", "-9223372036854775808"},
-    {kMin, "%o", "01000000000000000000000"},
-    {kMin, "%x", "0x8000000000000000"},
-    {kMin, "%X", "0X8000000000000000"},
-    {kMin + 1, "%x", "-0x7fffffffffffffff"},
-    {kMax, "%i", "9223372036854775807"},
-    {kMax, "%o", "0777777777777777777777"},
-    {5, "%%d", "%5"},
-    {5, "%d%d and %i", "55 and 5"},
-    {5, "%n%s%5d%", "%n%s%5d%"},
-    {5, "%u", "%u"},
-    {5, nullptr, "5"},
-    {5, "", ""},
+    {-255, "%x", "-0xff"}, {-255, "%o", "-0377"}, {-255, "[%S]", "[-255]"}, {255, "%X", "0XFF"}, {0, "%S", "0"},
+    {0, "%o", "00"}, {0, "%x", "0x0"}, {kMin, "%S", "-9223372036854775808"}, {kMin, "%d", "-9223372036854775808"},
+    {kMin, "%o", "01000000000000000000000"}, {kMin, "%x", "0x8000000000000000"}, {kMin, "%X", "0X8000000000000000"},
+    {kMin + 1, "%x", "-0x7fffffffffffffff"}, {kMax, "%i", "9223372036854775807"},
+    {kMax, "%o", "0777777777777777777777"}, {5, "%%d", "%5"}, {5, "%d%d and %i", "55 and 5"},
+    {5, "%n%s%5d%", "%n%s%5d%"}, {5, "%u", "%u"}, {5, nullptr, "5"}, {5, "", ""},
 };
+// clang-format on
 
 TEST(KtInt64, prints_behind_what_the_string_holds) {
   for (const PrintCase& c : kPrintCases) {
@@ -319,48 +284,21 @@ struct ScanCase {
   int64_t value;
 };
 
+// "31" under %x is base 10 text under a base-16 directive; a leading 0 is octal, which %d refuses. In "%S6" the number
+// ends at the 6. Numbers beyond 64 bits wrap.
+// clang-format off
 const ScanCase kScanCases[] = {
-    {"0x1F", "%x", 31},
-    {"0X1f", "%X", 31},
-    {"31", "%x", -1},  // base 10 under a base-16 directive
-    {"0", "%S", 0},    // octal
-    {"007", "%S", 7},
-    {"0", "%d", -1},
-    {"007", "%i", -1},
-    {"007", "%o", 7},
-    {"7", "%o", -1},
-    {"08", "%S", -1},
-    {"-0x10", "%S", -16},
-    {"+12", "%d", 12},
-    {"+-12", "%d", -1},
-    {" 12", "%S", -1},
-    {"12 ", "%S", -1},
-    {"12 ", "%S ", 12},
-    {"12a", "%S", -1},
-    {"0x1g", "%S", -1},
-    {"0x@", "%S", -1},
-    {"0x`", "%S", -1},
-    {"0x:", "%S", -1},
-    {"0xAbCdEf", "%S", 0xABCDEF},
-    {"0x", "%S", 0},
-    {"-", "%S", 0},
-    {"[255]", "[%S]", 255},
-    {"[255", "[%S]", -1},
-    {"(255]", "[%S]", -1},
-    {"255]", "%S]tail", 255},
-    {"25565", "%S6", 255},  // the number ends at the character that follows in the format, a digit or not
-    {"", "%S", 0},
-    {"", "", 0},
-    {"12", "", 0},
-    {"%5", "%%d", 5},
-    {"9223372036854775808", "%S", kMin},
-    {"-9223372036854775808", "%S", kMin},
-    {"0x8000000000000000", "%S", kMin},
-    {"01000000000000000000000", "%S", kMin},
-    {"18446744073709551617", "%S", 1},  // wraps
-    {"00000000000000000000000000000000000017", "%S", 15},
-    {"1234567\xB9", "%S", -1},
+    {"0x1F", "%x", 31}, {"0X1f", "%X", 31}, {"31", "%x", -1}, {"0", "%S", 0}, {"007", "%S", 7}, {"0", "%d", -1},
+    {"007", "%i", -1}, {"007", "%o", 7}, {"7", "%o", -1}, {"08", "%S", -1}, {"-0x10", "%S", -16}, {"+12", "%d", 12},
+    {"+-12", "%d", -1}, {" 12", "%S", -1}, {"12 ", "%S", -1}, {"12 ", "%S ", 12}, {"12a", "%S", -1},
+    {"0x1g", "%S", -1}, {"0x@", "%S", -1}, {"0x`", "%S", -1}, {"0x:", "%S", -1}, {"0xAbCdEf", "%S", 0xABCDEF},
+    {"0x", "%S", 0}, {"-", "%S", 0}, {"[255]", "[%S]", 255}, {"[255", "[%S]", -1}, {"(255]", "[%S]", -1},
+    {"255]", "%S]tail", 255}, {"25565", "%S6", 255}, {"", "%S", 0}, {"", "", 0}, {"12", "", 0}, {"%5", "%%d", 5},
+    {"9223372036854775808", "%S", kMin}, {"-9223372036854775808", "%S", kMin}, {"0x8000000000000000", "%S", kMin},
+    {"01000000000000000000000", "%S", kMin}, {"18446744073709551617", "%S", 1},
+    {"00000000000000000000000000000000000017", "%S", 15}, {"1234567\xB9", "%S", -1},
 };
+// clang-format on
 
 TEST(KtInt64, scans_by_the_prefix_and_the_directive) {
   for (const ScanCase& c : kScanCases) {

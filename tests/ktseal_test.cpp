@@ -94,7 +94,8 @@ TEST(KtSeal, hash_folds_the_words_natively_in_codes_8_and_1) {
   unsigned char disk[12];
   mgr.Store(KT_ID_KtSeal, disk, memory, 0, 2);
   int status = 1;
-  for (const unsigned char format : Codes{8, 1}) EXPECT_EQ(mgr.Hash(KT_ID_KtSeal, 0, memory, 1, format, status), 1103515245u);
+  for (const unsigned char format : Codes{8, 1})
+    EXPECT_EQ(mgr.Hash(KT_ID_KtSeal, 0, memory, 1, format, status), 1103515245u);
   for (const unsigned char format : Codes{0, 2, 4, 9}) {
     EXPECT_EQ(mgr.Hash(KT_ID_KtSeal, 0, disk, 2, format, status), std::uint32_t(0x101u * 1103515245u));
     EXPECT_EQ(status, 0);

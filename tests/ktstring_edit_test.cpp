@@ -185,7 +185,7 @@ TEST(Rebuild, in_place_equals_the_fresh_buffer_in_all_modes) {
   }
 }
 
-TEST(Rebuild, takes_big_endian_disk_characters_under_store_flag_2) {
+TEST(Rebuild, takes_characters_in_the_byte_order_of_the_store_flag) {
   const char disk[] = {0x00, 'a', 0x01, 0x02};
   KtString s(kWide, 1);
   s.Rebuild(disk, kWide, 0, 0, 2, 1, KtString::RebuildMode::kRebuild, 2);
@@ -193,6 +193,12 @@ TEST(Rebuild, takes_big_endian_disk_characters_under_store_flag_2) {
   const char little[] = {'a', 0x00, 0x02, 0x01};
   s.Rebuild(little, kWide, 0, 0, 2, 1, KtString::RebuildMode::kRebuild, 4);
   EXPECT_EQ(unitsOf(s), u"a\u0102");
+  const unsigned short own[] = {'b', 0x0203};
+  for (const unsigned char memory : std::vector<unsigned char>{1, 8, 255}) {
+    s.Fill(0, 'x');
+    s.Rebuild(reinterpret_cast<const char*>(own), kWide, 0, 0, 2, 1, KtString::RebuildMode::kRebuild, memory);
+    EXPECT_EQ(unitsOf(s), u"b\u0203") << int{memory};
+  }
 }
 
 TEST(Rebuild, stays_inside_under_absurd_arguments) {
@@ -294,6 +300,9 @@ TEST(StringEdit, transform_may_drop_and_double_characters) {
     EXPECT_EQ(unitsOf(made(u"Stra\u00DFe \u00C4\u00E9", codeSet).ToUpper()), u"STRA\u00DFE \u00C4\u00C9");
     EXPECT_EQ(unitsOf(made(u"STRA\u00DFE \u00C4\u00E9", codeSet).ToLower()), u"stra\u00DFe \u00E4\u00E9");
   }
+  KtString zeroInside("ab\0cd", static_cast<unsigned short>(5));
+  EXPECT_STREQ(zeroInside.ToUpper().StrGet(), "AB");
+  EXPECT_EQ(zeroInside.bufferSize, 3);
 }
 
 TEST(StringEdit, replace_all_goes_on_behind_what_it_put_in) {
@@ -326,7 +335,8 @@ TEST(StringEdit, find_honours_position_and_wildcards) {
   } cases[] = {{"abcabc", "bc", 0, 65535, 1}, {"abcabc", "bc", 2, 65535, 4}, {"abcabc", "bc", 5, 65535, -1},
                {"abc", "b?", 0, 0x10, -1},    {"abc", "b?", 0, 0, 1},        {"abc", "a*c", 0, 0, 0},
                {"abc", "abcd", 0, 0, -1},     {"abc", "c", 4, 0x10, -1},     {"ABC", "b", 0, 0x30, 1},
-               {"", "a", 0, 0x10, -1},        {"a", "", 0, 0x10, -1}};
+               {"", "a", 0, 0x10, -1},        {"a", "", 0, 0x10, -1},        {"abc", "b", 0, 0x110, 1},
+               {"abc", "b", 0, 0x100, -1},    {"ab*", "b", 0, 0x100, 1}};
   for (const auto& c : cases) {
     EXPECT_EQ(KtString(c.text).Find(KtString(c.pattern), c.pos, c.cmpOp), c.found) << c.text << ' ' << c.pattern;
   }
@@ -350,6 +360,11 @@ TEST(StringEdit, splits_lists_and_skips_only_a_leading_separator) {
   KtString none;
   pos = 0;
   EXPECT_EQ(KtSplitList(none, item, ",", pos), -2005);
+  KtString emptied("x");  // has a buffer, so that it is found at every position
+  emptied.Cut(0, 1);
+  pos = list.Len();
+  EXPECT_EQ(KtSplitList(list, item, emptied, pos), -2005);
+  pos = 0;
   KtString pairs("a--b");
   ASSERT_EQ(KtSplitList(pairs, item, "--", pos), 0);
   EXPECT_EQ(pos, 2);  // one past where the separator begins

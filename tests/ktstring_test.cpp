@@ -248,6 +248,20 @@ TEST(KtString, moves_and_destroys) {
   EXPECT_EQ(Bytes(place, place + kFields), Bytes(kFields, 0));
 }
 
+TEST(KtString, takes_texts_and_characters_on_either_side) {
+  const KtString s("ab");
+  char text[] = "ab";
+  unsigned short wide[] = {'a', 'b', 0};
+  EXPECT_STREQ((s + text).StrGet(), "abab");
+  EXPECT_STREQ((text + s + "x" + 'y').StrGet(), "ababxy");
+  EXPECT_STREQ((s + wide + wide[1]).StrGet(), "ababb");
+  EXPECT_EQ((wide + s).codeSet, kWide);
+  EXPECT_EQ((s == text) + (text == s) + (s == wide) + (wide == s) + (s == "ab") + ("ab" == s), 6);
+  EXPECT_EQ((s != text) + (s != 'a') + ('a' != s) + (s != wide[0]), 3);
+  EXPECT_EQ((s > 'a') + ('a' < s) + (s < 'b') + ('b' >= s) + (s <= wide[1]) + (s >= wide), 6);
+  EXPECT_EQ((s < 'a') + ('a' > s) + (s > 'b') + ('b' <= s) + (s > wide) + (s < text), 0);
+}
+
 TEST(KtString, index_reaches_the_terminator_and_no_further) {
   for (const KtString& s : {KtString("ab"), widened("ab")}) {
     EXPECT_EQ(s[1].code, 'b');
@@ -335,6 +349,9 @@ TEST(KtChar, maps_into_its_own_code_set) {
   EXPECT_EQ(KtChar(0xC4, 1, 1).ToLower().code, 0xE4);
   EXPECT_EQ(KtChar('7', 1, 20).IsSpace(), 0);
   EXPECT_EQ(KtChar(' ', 1, 20).IsSpace(), 1);
+  KtLanguageContext::SetDefaultLanguage(20);
+  EXPECT_EQ(KtChar('a', 1, 255).Order(), KtChar('a', 1, 0).Order());  // an unknown language is the neutral one
+  KtLanguageContext::SetDefaultLanguage(1);
 }
 
 TEST(KtStringIterator, walks_both_ways_in_every_byte_order) {
@@ -351,9 +368,8 @@ TEST(KtStringIterator, walks_both_ways_in_every_byte_order) {
     EXPECT_EQ(it.Previous(), 1);
     EXPECT_EQ(it.Get().code, 0x0102);
   }
-  KtStringIterator limited("abc", 255, 255, 1, 2);
+  KtStringIterator limited("abc", 255, 1, 1, 2);
   EXPECT_EQ(limited.CodeSet(), 1);
-  EXPECT_EQ(limited.Language(), 1);
   EXPECT_NE(limited.GetNextOrder(), 0);
   EXPECT_NE(limited.GetNextOrder(), 0);
   EXPECT_EQ(limited.GetNextOrder(), 0);

@@ -84,6 +84,7 @@ TEST(StringKey, keys_have_the_bytes_worked_by_hand) {
   for (const auto& c : cases) {
     EXPECT_EQ(keyOf(makeString(c.text, c.codeSet, c.language), c.format), hex(c.bytes)) << c.bytes;
   }
+  EXPECT_EQ(keyOf(makeString(u"aB", 1, 1), 0x82, 10), hex("00 08 01 01 01 40 0C 20 FF FF"));  // cut
 }
 
 TEST(StringKey, key_words_are_big_endian_under_every_format) {

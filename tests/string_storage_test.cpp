@@ -28,12 +28,14 @@ const RecordCase kRecords[] = {
     {u"", 5, 3, 2, "00 04 05 03 00 FF"},
     {u"", 5, 3, 0, "04 00 05 03 00 FF"},
     {u"ab", 1, 2, 2, "00 06 01 02 61 62 00 FF"},
+    {u"ab", 1, 2, 0, "06 00 01 02 61 62 00 FF"},
     {u"ab", 1, 2, 4, "06 00 01 02 61 62 00 FF"},
     {u"\u20ACx", 10, 1, 0, "06 00 0A 01 80 78 00 FF"},
     {u"a\u00E9\u20AC", 253, 0, 2, "00 0A FD 00 00 61 00 E9 20 AC 00 FF"},
     {u"a\u00E9\u20AC", 253, 0, 0, "0A 00 FD 00 61 00 E9 00 AC 20 00 FF"},
     {u"abcdefg", 1, 1, 0, "0B 00 01 01 61 62 63 64 65 66 67 00 FF"},
     {u"abcdefghijklmnopq", 1, 1, 0, "15 00 01 01 61 62 63 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70 71 00 FF"},
+    {u"", 0, 254, 2, "00 04 00 FE 00 FF"},
     {u"", 0, 254, 0, "04 00 00 FE 00 FF"},
 };
 
@@ -142,6 +144,32 @@ TEST(StringStorage, sizes_of_keys_grow_by_the_code_set_that_counts) {
   }
 }
 
+// An older record has no code set at offset 2, but a character. Its keys, of 4 + characters + 2 bytes each, have room.
+TEST(StringStorage, sizes_of_the_keys_of_older_records_hold_the_keys) {
+  const struct {
+    const char* bytes;
+    unsigned long count;
+    unsigned long size;  // L * 4 + 2 (L + 2 where the character is 0), or the keys' where that is more
+    unsigned long keys;
+  } cases[] = {
+      {"00 06 61 62 00 63 64 00", 2, 26, 16},
+      {"00 06 61 62 00 63 64 00", 9, 26, 16},
+      {"00 02 61 00", 1, 10, 7},
+      {"00 01 00", 1, 6, 6},
+      {"00 04 00 61 62 00", 2, 14, 14},
+      {"00 00", 1, 6, 6},
+  };
+  for (const auto& c : cases) {
+    const Block record{hex(c.bytes)};
+    MemFile file(record.get(), record.size);
+    EXPECT_EQ(StringSizeGet(record.get(), 0, 0x82, c.count), c.size) << c.bytes;
+    EXPECT_EQ(kt::stringSizeGetFromMemFile(&file, 0x82, c.count), c.size) << c.bytes;
+    const Block keys(Bytes(c.size, 0xEE));
+    EXPECT_EQ(kt::StringOps::translate(keys.get(), 0x82, c.size, record.get(), 2, record.size, c.count), c.keys);
+    EXPECT_EQ(keys.get()[c.keys - 2], 0x00) << c.bytes;  // not cut
+  }
+}
+
 // --- the older form -----------------------------------------------------------------------------------------------
 
 TEST(StringStorage, older_records_load_text_by_text) {
@@ -187,6 +215,19 @@ TEST(StringStorage, the_legacy_table_stores_one_record_a_run) {
   EXPECT_EQ(kt::legacyStringSizeGetFromMemFile(&file, 2, 3), 9u);
   MemFile shortFile(target.get(), target.size - 1);
   EXPECT_EQ(kt::legacyStringSizeGetFromMemFile(&shortFile, 2, 3), 0u);
+}
+
+TEST(StringStorage, a_legacy_record_holds_the_longest_string) {
+  const CaughtAssertions caught;
+  const std::string text(65532, 'x');
+  const KtString s(text.c_str());
+  Block target(Bytes(65535, 0xEE));  // L is 65,532 characters and a terminator
+  EXPECT_EQ(kt::legacyStringSizeGet(&s, 8, 0, 1), 65535u);
+  EXPECT_EQ(kt::legacyStringStore(target.get(), &s, 0, 1), 65535u);
+  KtString loaded;
+  EXPECT_EQ(StringLoad(&loaded, target.get(), 0, 1), 65535u);
+  EXPECT_EQ(textOf(loaded), text);
+  EXPECT_EQ(CaughtAssertions::count(), 0);
 }
 
 TEST(StringStorage, a_legacy_run_beyond_one_length_word_is_cut) {

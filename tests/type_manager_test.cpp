@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -50,6 +51,16 @@ TEST(TypeManager, operations_can_be_exchanged_for_every_manager) {
   EXPECT_EQ(one.ExchangePrintToKtStringFunc(KT_ID_long, print), &printNothing);
   EXPECT_EQ(one.ExchangeScanFromKtStringFunc(KT_ID_long, scan), &scanNothing);
   EXPECT_EQ(one.ExchangeKtTypeCmpFunc(KT_ID_long, nullptr), &LongCompare);
+}
+
+TEST(TypeManager, bytes_stay_one_text_while_char_prints_otherwise) {
+  KtTypeMgr mgr(12);
+  char values[] = {'a', 'b', 'c'};
+  KtString bytes;
+  const auto print = mgr.ExchangePrintToKtStringFunc(KT_ID_char, printNothing);
+  mgr.PrintToKtString(KT_ID_KtByte, bytes, values, nullptr, 3);
+  mgr.ExchangePrintToKtStringFunc(KT_ID_char, print);
+  EXPECT_STREQ(bytes.StrGet(), "abc");
 }
 
 TEST(TypeManager, the_null_print_string_is_process_wide) {
@@ -108,6 +119,19 @@ TEST(TypeManager, older_conversion_takes_the_last_character_as_separator) {
   EXPECT_EQ(numbers[0], 1);
   EXPECT_EQ(numbers[1], 0);
   mgr.Delete(KT_ID_long, numbers, 2);
+}
+
+TEST(TypeManager, older_conversion_takes_pieces_of_any_length) {
+  OldManager mgr;
+  for (unsigned long length : {32766ul, 32767ul, 40000ul, 65000ul}) {
+    const std::string piece(length, 'x');
+    KtString text((piece + ";5;").c_str());
+    auto* back = static_cast<KtString*>(mgr.ConvertFromKtStringOld(&text, KT_ID_KtString, 2));
+    EXPECT_STREQ(back[0].StrGet(), piece.c_str());
+    EXPECT_STREQ(back[1].StrGet(), "5");
+    EXPECT_EQ(text.IsEmpty(), 1);
+    mgr.Delete(KT_ID_KtString, back, 2);
+  }
 }
 
 TEST(TypeManager, setting_null_falls_back_to_what_an_empty_string_converts_to) {

@@ -11,9 +11,9 @@
 namespace {
 
 const std::vector<Column> kCountries = {
-    {"name", "KtString"},       {"native_name", "KtString"}, {"capital", "KtString"}, {"area_km2", "double"},
-    {"landlocked", "KtString"}, {"neighbours", "KtString"},  {"cca2", "KtString"},    {"cca3", "KtString"},
-    {"ccn3", "KtString"},       {"founded", "KtString"},
+    {"name", "KtString"},       {"native_name", "KtString"},       {"capital", "KtString"}, {"area_km2", "double"},
+    {"landlocked", "KtString"}, {"neighbours", "KtString"},        {"cca2", "KtString"},    {"cca3", "KtString"},
+    {"ccn3", "KtString"},       {"founded", "KtDate", "%Y-%m-%d"},
 };
 const std::vector<Column> kCities = {
     {"name", "KtString"},   {"country", "KtString"}, {"population", "KtDWord"},
@@ -76,7 +76,7 @@ void showLargest(KtTypeMgr& mgr, const Table& countries, unsigned long rows) {
     printPadded(countries.run("native_name").text(order[i]), 28);
     printPadded(countries.run("capital").text(order[i]), 18);
     std::printf("%10s km2   founded %s\n", countries.run("area_km2").text(order[i], "%.0f").c_str(),
-                countries.run("founded").text(order[i]).c_str());
+                countries.run("founded").text(order[i], "%Y-%m-%d").c_str());
   }
 }
 

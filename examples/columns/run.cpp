@@ -16,7 +16,7 @@ std::string utf8Of(const KtString& text) {
   return utf8;
 }
 
-void Run::set(unsigned long i, const std::string& utf8, unsigned char language) {
+void Run::set(unsigned long i, const std::string& utf8, unsigned char language, const char* format) {
   if (utf8.empty()) {
     mgr_.SetNullValue(id_, at(i));
     return;
@@ -25,7 +25,17 @@ void Run::set(unsigned long i, const std::string& utf8, unsigned char language) 
   if (KtMBS2KtString(utf8.data(), in, static_cast<long>(utf8.size())) < 0) {
     throw std::runtime_error("not UTF-8: " + utf8);
   }
-  mgr_.ScanFromKtString(id_, at(i), in, nullptr, 1);
+  mgr_.ScanFromKtString(id_, at(i), in, format, 1);
+}
+
+void Run::convert(unsigned long i, const std::string& text) {
+  KtString string(text.c_str());
+  KtTypeConvertData holder(KT_ID_KtString, 1, &string, nullptr);
+  void* value = mgr_.ConvertFrom(id_, &holder, 1);
+  holder.typeManager = nullptr;  // the string is not the holder's to free
+  if (value == nullptr) throw std::bad_alloc();
+  mgr_.AssignmentPtrGet(id_)(at(i), value, 1, 0);
+  mgr_.Delete(id_, value, 1);
 }
 
 std::string Run::text(unsigned long i, const char* format) const {

@@ -25,7 +25,9 @@ public:
   void* at(unsigned long i) const { return mgr_.GetArrayElement(id_, values_, i, count_); }
 
   // Reads a UTF-8 text into value i; an empty one makes it null (or what the type takes for it).
-  void set(unsigned long i, const std::string& utf8, unsigned char language);
+  void set(unsigned long i, const std::string& utf8, unsigned char language, const char* format = nullptr);
+  // The same by the type's conversion from text, which knows no format: dates, for example, come as day numbers.
+  void convert(unsigned long i, const std::string& text);
   // The printed value in UTF-8.
   std::string text(unsigned long i, const char* format = nullptr) const;
   unsigned long nulls() const;

@@ -3,12 +3,24 @@
 #include "../common/csv.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <numeric>
 
 namespace {
 
 constexpr unsigned char kEnglish = 1;
+
+// A date before year 0 has a character more than "%Y" takes. Such texts go by the day number that dates convert from.
+bool isDayBeforeYear0(const Column& column, const std::string& text) {
+  return std::string(column.type) == "KtDate" && !text.empty() && text.front() == '-';
+}
+
+std::string dayNumberOf(const std::string& text) {
+  int year = 0, month = 1, day = 1;
+  if (std::sscanf(text.c_str(), "%d-%d-%d", &year, &month, &day) != 3) throw std::runtime_error("no date: " + text);
+  return std::to_string(KtDate(year, month, day).dayabs());
+}
 
 // Where each column of the schema stands in the file.
 std::vector<std::size_t> findColumns(const std::vector<std::string>& header, const std::vector<Column>& schema,
@@ -46,7 +58,12 @@ Table::Table(KtTypeMgr& mgr, const std::string& file, const std::vector<Column>&
       const auto& record = records[r + 1];
       if (positions[c] >= record.size())
         throw std::runtime_error(file + ": record " + std::to_string(r + 2) + " is short");
-      columns_.back()->set(r, record[positions[c]], kEnglish);
+      const std::string& text = record[positions[c]];
+      if (isDayBeforeYear0(schema[c], text)) {
+        columns_.back()->convert(r, dayNumberOf(text));
+      } else {
+        columns_.back()->set(r, text, kEnglish, schema[c].format);
+      }
     }
   }
 }

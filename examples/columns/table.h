@@ -8,8 +8,9 @@
 #include <vector>
 
 struct Column {
-  const char* name;  // as in the header line of the file
-  const char* type;  // name of a type in the type table
+  const char* name;              // as in the header line of the file
+  const char* type;              // name of a type in the type table
+  const char* format = nullptr;  // of the texts in the file; null: the type's own
 };
 
 class Table {

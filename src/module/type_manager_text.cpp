@@ -2,6 +2,7 @@
 #include "kttypmgr.h"
 
 #include "module/manager_row.h"
+#include "ops/scalar_text.h"
 #include "table/type_table.h"
 #include "values/null_text.h"
 
@@ -40,8 +41,9 @@ KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const
   const KtPrintToKtStringFunc print = row.PrintToKtString;
   if (print == nullptr) return out;
   if (format == nullptr) format = row.Format;
-  // Characters print as one text. The illegal row prints nothing at all, so no commas either.
-  const bool asOneText = print == Row(KT_ID_char).PrintToKtString || row.MemLen == 0;
+  // Characters print as one text, also where one of their rows has got another function. The illegal row prints nothing
+  // at all, so no commas either.
+  const bool asOneText = print == kt::printChars || row.MemLen == 0;
   if (count < 2 || asOneText) return print(out, values, format, count);
   for (unsigned long i = 0; i < count; ++i) {
     KtString text;
@@ -108,7 +110,8 @@ KtString takePiece(KtString& text, const KtString& separator) {
   const int end = text.Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS);
   if (end < 0) return KtString(text.codeSet, text.language);
   KtString piece = text.Left(static_cast<unsigned short>(end));
-  text.Cut(0, end + 1);
+  // Not Cut, whose count has 15 bits.
+  text = text.Right(static_cast<unsigned short>(text.Len() - end - 1));
   return piece;
 }
 

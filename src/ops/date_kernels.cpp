@@ -19,35 +19,36 @@ KT_CLONES void swapYearsCopy(unsigned char* dst, const unsigned char* src, unsig
 // The compiler vectorises this one because it knows that both are one run.
 KT_CLONES void swapYearsInPlace(unsigned char* run, unsigned long count) { swapYearsLoop(run, run, count); }
 
-// Eight records are kSize words. kRows times as many keep the loads busy; a column of words is the same places of
-// records in every row.
+// Vectors that both machines have: in two registers where there are 16-byte ones only.
+using Vector [[gnu::vector_size(32)]] = std::uint64_t;
+
+// 32 records are kSize vectors; the same bytes of each vector are the same places of records.
 template <unsigned kSize>
 [[gnu::always_inline]] inline void foldRun(const unsigned char* run, unsigned long count, Fold<kSize>& fold) {
-  constexpr unsigned kRows = kSize <= 4 ? 4 : 1;
-  constexpr unsigned kWords = kRows * kSize;
-  constexpr unsigned long kRecords = 8 * kRows;
-  std::uint64_t sums[kWords] = {};
-  std::uint64_t anys[kWords] = {};
+  Vector sums[kSize] = {};
+  Vector anys[kSize] = {};
   unsigned long i = 0;
-  for (; i + kRecords <= count; i += kRecords) {
-    for (unsigned w = 0; w < kWords; ++w) {
-      const auto word = readValue<std::uint64_t>(run + i * kSize + 8 * w);
-      sums[w] ^= word;
-      anys[w] |= word;
+  for (; i + sizeof(Vector) <= count; i += sizeof(Vector)) {
+    for (unsigned v = 0; v < kSize; ++v) {
+      Vector vector;
+      std::memcpy(&vector, run + i * kSize + v * sizeof vector, sizeof vector);
+      sums[v] ^= vector;
+      anys[v] |= vector;
     }
   }
-  // Words that hold whole records are all alike; else only those of one column are.
-  constexpr unsigned kColumns = 8 % kSize == 0 ? 1 : kSize;
-  for (unsigned w = kColumns; w < kWords; ++w) {
-    sums[w % kColumns] ^= sums[w];
-    anys[w % kColumns] |= anys[w];
+  // Where vectors hold whole records, one vector's worth of bytes is left.
+  constexpr bool kWhole = sizeof(Vector) % kSize == 0;
+  for (unsigned v = 1; kWhole && v < kSize; ++v) {
+    sums[0] ^= sums[v];
+    anys[0] |= anys[v];
   }
-  unsigned char sumBytes[8 * kColumns];
-  unsigned char anyBytes[8 * kColumns];
-  std::memcpy(sumBytes, sums, sizeof sumBytes);
-  std::memcpy(anyBytes, anys, sizeof anyBytes);
+  constexpr unsigned kBytes = kWhole ? sizeof(Vector) : sizeof sums;
+  unsigned char sumBytes[kBytes];
+  unsigned char anyBytes[kBytes];
+  std::memcpy(sumBytes, sums, kBytes);
+  std::memcpy(anyBytes, anys, kBytes);
   fold = {};
-  for (unsigned b = 0; b < 8 * kColumns; ++b) {
+  for (unsigned b = 0; b < kBytes; ++b) {
     fold.sum[b % kSize] ^= sumBytes[b];
     fold.any[b % kSize] |= anyBytes[b];
   }

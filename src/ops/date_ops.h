@@ -8,6 +8,7 @@
 #include "kttypops.h"
 #include "ops/date_kernels.h"
 #include "ops/scalar_ops.h"
+#include "values/datetime_text.h"
 
 #include <cstdint>
 #include <cstring>
@@ -144,6 +145,12 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count);
   static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  // Past the class: the value comes in a register, and goes into the run in one piece.
+  static bool scan(void* value, const KtString& in, const char* format) {
+    const KtDateTime scanned = scanDateTime(in, format == nullptr ? kDateTimeFormat : format);
+    std::memcpy(value, &scanned, sizeof scanned);
+    return true;
+  }
   static KtString toText(const KtDateTime& v);
   static KtDateTime fromText(const KtString& s);
 };

@@ -13,10 +13,12 @@ constexpr bool kBigHost = std::endian::native == std::endian::big;
 // Stores and loads read the byte order only: memory layout is not a disk form of identities.
 bool isSwapped(unsigned char format) { return (lowCode(format) == kBigEndian) != kBigHost; }
 
-// Each 32-bit half, or 16-bit quarter, of a word by itself: the words may be read and written in host order.
-constexpr std::uint64_t swapHalves(std::uint64_t v) {
-  return std::uint64_t{swapBytes(static_cast<std::uint32_t>(v >> 32))} << 32 | swapBytes(static_cast<std::uint32_t>(v));
+constexpr std::uint64_t swapAll(std::uint64_t v) {
+  return std::uint64_t{swapBytes(static_cast<std::uint32_t>(v))} << 32 | swapBytes(static_cast<std::uint32_t>(v >> 32));
 }
+
+// Each 32-bit half, or 16-bit quarter, of a word by itself: the words may be read and written in host order.
+constexpr std::uint64_t swapHalves(std::uint64_t v) { return std::rotl(swapAll(v), 32); }
 constexpr std::uint32_t swapQuarters(std::uint32_t v) { return (v >> 8 & 0x00FF00FFu) | (v & 0x00FF00FFu) << 8; }
 
 template <class Word>
@@ -83,9 +85,7 @@ unsigned long moveRun(MoveRun move, void* dst, const void* src, unsigned long co
   return count * diskSize;
 }
 
-std::uint64_t littleEndian(std::uint64_t v) {
-  return kBigHost ? std::rotl(swapHalves(v), 32) : v;
-}
+std::uint64_t littleEndian(std::uint64_t v) { return kBigHost ? swapAll(v) : v; }
 
 // Eight bytes at the same place of each element, exclusive-ored: every byte stays in its place, so that fields may be
 // taken from the sum of all elements.
@@ -188,10 +188,10 @@ std::uint32_t RefDisk::hashWords(unsigned char code, const unsigned char* p, uns
 
 }  // namespace kt
 
-#define KT_COMPARE_COVER(name, Ops)                                                                                 \
-  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,                   \
-            unsigned short options, unsigned long count, int& status) {                                            \
-    return kt::Ops::IdentityOps::compare(format, lengthA, a, lengthB, b, options, count, status);                   \
+#define KT_COMPARE_COVER(name, Ops)                                                               \
+  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, \
+            unsigned short options, unsigned long count, int& status) {                           \
+    return kt::Ops::IdentityOps::compare(format, lengthA, a, lengthB, b, options, count, status); \
   }
 
 KT_COMPARE_COVER(ObjIdCompare, ObjIdOps)

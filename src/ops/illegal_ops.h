@@ -37,8 +37,6 @@ struct IllegalOps {
   static KtString& print(KtString& out, void*, const char*, unsigned long) { return out; }
   static void* scan(void*, KtString&, const char*, unsigned long) { return nullptr; }
   static void* defaultValue(unsigned long, int) { return nullptr; }
-  // For a type that has a null value but no operations of its own yet.
-  static int setNullNotApplicable(void*) { return KtERR_NOT_APPLICABLE; }
 };
 
 }  // namespace kt

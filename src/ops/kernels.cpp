@@ -2,6 +2,7 @@
 
 #include "clones.h"
 
+#include <bit>
 #include <cstring>
 
 namespace kt {
@@ -42,42 +43,79 @@ inline Word xorRun(const unsigned char* p, unsigned long count) {
   return sum;
 }
 
-inline std::uint32_t floatWord(std::uint32_t bits) {
-  const std::uint32_t magnitude = bits & 0x7FFFFFFFu;
-  const std::uint32_t word = magnitude == 0 ? 0 : bits;
-  return magnitude > 0x7F800000u ? kNanWord : word;
+// The hash word of one number of each width, and what tells the exceptions. A word's top bit is set in
+//   bits & ~(bits - 1)           for -0 alone,
+//   magnitude + kBelowInfinity   for a NaN alone,
+// which takes additions only and so runs in vectors.
+template <class Word>
+struct Ieee;
+
+template <>
+struct Ieee<std::uint32_t> {
+  static constexpr std::uint32_t kBelowInfinity = 0x007FFFFFu;
+  static constexpr std::uint32_t kInfinity = 0x7F800000u;
+  static std::uint32_t fold(std::uint32_t bits) { return bits; }
+};
+
+template <>
+struct Ieee<std::uint64_t> {
+  static constexpr std::uint64_t kBelowInfinity = 0x000FFFFFFFFFFFFFull;
+  static constexpr std::uint64_t kInfinity = 0x7FF0000000000000ull;
+  static std::uint32_t fold(std::uint64_t bits) {
+    return static_cast<std::uint32_t>(bits) ^ static_cast<std::uint32_t>(bits >> 32);
+  }
+};
+
+template <class Word>
+constexpr Word kTopBit = static_cast<Word>(1) << (sizeof(Word) * 8 - 1);
+
+template <class Word, bool kSwapped>
+inline Word readIeee(const unsigned char* p) {
+  const Word bits = read<Word>(p);
+  return kSwapped ? swapBytes(bits) : bits;
 }
 
-inline std::uint32_t doubleWord(std::uint64_t bits) {
-  const std::uint64_t magnitude = bits & 0x7FFFFFFFFFFFFFFFull;
-  const std::uint32_t folded = static_cast<std::uint32_t>(bits) ^ static_cast<std::uint32_t>(bits >> 32);
-  const std::uint32_t word = magnitude == 0 ? 0 : folded;
-  return magnitude > 0x7FF0000000000000ull ? kNanWord : word;
-}
-
-template <bool kSwapped>
-inline std::uint32_t xorFloatRun(const unsigned char* p, unsigned long count) {
+// Value by value.
+template <class Word, bool kSwapped>
+inline std::uint32_t xorIeeeWords(const unsigned char* p, unsigned long count) {
   std::uint32_t sum = 0;
   for (unsigned long i = 0; i < count; ++i) {
-    const std::uint32_t bits = read<std::uint32_t>(p + i * 4);
-    sum ^= floatWord(kSwapped ? swapBytes(bits) : bits);
+    const Word bits = readIeee<Word, kSwapped>(p + i * sizeof(Word));
+    const Word magnitude = bits & ~kTopBit<Word>;
+    if (magnitude > Ieee<Word>::kInfinity) {
+      sum ^= kNanWord;
+    } else if (magnitude != 0) {
+      sum ^= Ieee<Word>::fold(bits);
+    }
   }
   return sum;
 }
 
-template <bool kSwapped>
-inline std::uint32_t xorDoubleRun(const unsigned char* p, unsigned long count) {
+// By blocks: the bits of all values at once, unless the block holds an exception.
+template <class Word, bool kSwapped>
+inline std::uint32_t xorIeeeRun(const unsigned char* p, unsigned long count) {
+  constexpr unsigned long kBlock = 64;
   std::uint32_t sum = 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    const std::uint64_t bits = read<std::uint64_t>(p + i * 8);
-    sum ^= doubleWord(kSwapped ? swapBytes(bits) : bits);
+  unsigned long i = 0;
+  for (; i + kBlock <= count; i += kBlock) {
+    const unsigned char* block = p + i * sizeof(Word);
+    Word all = 0;
+    Word exceptions = 0;
+    for (unsigned long k = 0; k < kBlock; ++k) {
+      const Word bits = readIeee<Word, kSwapped>(block + k * sizeof(Word));
+      all ^= bits;
+      exceptions |= (bits & ~(bits - 1)) | ((bits & ~kTopBit<Word>)+Ieee<Word>::kBelowInfinity);
+    }
+    sum ^= (exceptions & kTopBit<Word>) == 0 ? Ieee<Word>::fold(all) : xorIeeeWords<Word, kSwapped>(block, kBlock);
   }
-  return sum;
+  return sum ^ xorIeeeWords<Word, kSwapped>(p + i * sizeof(Word), count - i);
 }
+
+constexpr unsigned long kBlockBytes = 256;
 
 inline bool equalBlock(const unsigned char* a, const unsigned char* b) {
   std::uint64_t difference = 0;
-  for (unsigned long i = 0; i < kEqualBlock; i += 8)
+  for (unsigned long i = 0; i < kBlockBytes; i += 8)
     difference |= read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
   return difference == 0;
 }
@@ -86,15 +124,7 @@ inline bool equalBlock(const unsigned char* a, const unsigned char* b) {
 // between compilers.
 KT_CLONES unsigned long equalBlocksLoop(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
   unsigned long i = 0;
-  // Four blocks a step: one branch for 256 bytes, then single blocks to find the one that differs.
-  for (; i + 4 * kEqualBlock <= bytes; i += 4 * kEqualBlock) {
-    std::uint64_t difference = 0;
-    for (unsigned long k = 0; k < 4 * kEqualBlock; k += 8) {
-      difference |= read<std::uint64_t>(a + i + k) ^ read<std::uint64_t>(b + i + k);
-    }
-    if (difference != 0) break;
-  }
-  while (i + kEqualBlock <= bytes && equalBlock(a + i, b + i)) i += kEqualBlock;
+  while (i + kBlockBytes <= bytes && equalBlock(a + i, b + i)) i += kBlockBytes;
   return i;
 }
 
@@ -104,18 +134,30 @@ KT_CLONES std::uint32_t xor32Loop(const unsigned char* p, unsigned long n) { ret
 KT_CLONES std::uint64_t xor64Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint64_t>(p, n); }
 
 KT_CLONES std::uint32_t xorFloatsLoop(const unsigned char* p, unsigned long n, bool swapped) {
-  return swapped ? xorFloatRun<true>(p, n) : xorFloatRun<false>(p, n);
+  return swapped ? xorIeeeRun<std::uint32_t, true>(p, n) : xorIeeeRun<std::uint32_t, false>(p, n);
 }
 
 KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, bool swapped) {
-  return swapped ? xorDoubleRun<true>(p, n) : xorDoubleRun<false>(p, n);
+  return swapped ? xorIeeeRun<std::uint64_t, true>(p, n) : xorIeeeRun<std::uint64_t, false>(p, n);
+}
+
+// The first byte, in memory order, in which two words differ.
+inline unsigned long firstDifference(std::uint64_t difference) {
+  const int bits =
+      std::endian::native == std::endian::little ? std::countr_zero(difference) : std::countl_zero(difference);
+  return static_cast<unsigned long>(bits) / 8;
 }
 
 }  // namespace
 
-unsigned long equalBlocks(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
-  const unsigned long i = bytes < kEqualBlock ? 0 : equalBlocksLoop(a, b, bytes);
-  return bytes - i < kEqualBlock && std::memcmp(a + i, b + i, bytes - i) == 0 ? bytes : i;
+unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
+  unsigned long i = bytes < kBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
+  for (; i + 8 <= bytes; i += 8) {
+    const std::uint64_t difference = read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
+    if (difference != 0) return i + firstDifference(difference);
+  }
+  while (i < bytes && a[i] == b[i]) ++i;
+  return i;
 }
 
 std::uint8_t xor8(const unsigned char* values, unsigned long count) { return xor8Loop(values, count); }

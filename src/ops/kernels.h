@@ -6,10 +6,8 @@
 
 namespace kt {
 
-// Bytes from the beginning that are surely equal: `bytes` when all are, else a multiple of kEqualBlock at most
-// kEqualBlock bytes before the first difference.
-constexpr unsigned long kEqualBlock = 64;
-unsigned long equalBlocks(const unsigned char* a, const unsigned char* b, unsigned long bytes);
+// The bytes from the beginning that are equal: the offset of the first difference, or `bytes`.
+unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes);
 
 // Exclusive or over `count` elements of the given width, as they lie.
 std::uint8_t xor8(const unsigned char* values, unsigned long count);

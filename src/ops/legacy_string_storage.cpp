@@ -9,10 +9,10 @@
 namespace kt {
 namespace {
 
-// Characters that the older form keeps of a string.
+// Characters that the older form keeps of a string: all up to a zero, since it spends no bytes on a code set.
 unsigned long olderLength(const KtString& s) {
   const unsigned long width = s.CharSize();
-  return unitLength(s.StrGet(), width, storedTextBytes(s) / width);
+  return unitLength(s.StrGet(), width, std::max(s.bufferSize / width, 1ul) - 1);
 }
 
 // What a record still takes.
@@ -44,23 +44,11 @@ unsigned long olderSize(const KtString* strings, unsigned long count) {
   return room.used() + kLengthBytes;
 }
 
-// What the index keys of an older record's texts take.
-unsigned long olderKeySize(const Record& record, unsigned char format, unsigned long count) {
-  OlderTexts texts(record);
-  const unsigned long growth = seenCodeSet(narrowSet(), format) != 0 ? 4 : 1;
-  unsigned long total = 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    unsigned long bytes;
-    texts.take(bytes);
-    total += (bytes + 2) * growth + kTextAt;
-  }
-  return total;
-}
-
 unsigned long diskSize(const void* data, unsigned char format, unsigned long count) {
   const Record first = recordAt(data, format);
   if (!first.isOlder()) return StringSizeGet(data, 0, format, count);
-  return (format & kIndexKeyForm) != 0 ? olderKeySize(first, format, count) : first.size();
+  const bool isKey = (format & kIndexKeyForm) != 0;
+  return isKey ? olderKeySize(first, seenCodeSet(narrowSet(), format), count) : first.size();
 }
 
 }  // namespace

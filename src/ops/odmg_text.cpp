@@ -69,13 +69,13 @@ private:
 constexpr unsigned kRoom = 64;
 
 int writeDate(char* text, const d_Date& date) {
-  return std::snprintf(text, kRoom, "%04d-%02d-%02d", date.year, date.month, date.day);
+  return std::snprintf(text, kRoom, "%.4d-%.2d-%.2d", date.year, date.month, date.day);
 }
 
 // Both fields of a zone have its sign; where they do not, the minutes show theirs.
 int writeTime(char* text, const d_Time& time) {
   const int sign = time.tz_hour < 0 || (time.tz_hour == 0 && time.tz_minute < 0) ? -1 : 1;
-  return std::snprintf(text, kRoom, "%02d:%02d:%02d.%02d%c%02d:%02d", time.hour, time.minute, time.second,
+  return std::snprintf(text, kRoom, "%.2d:%.2d:%.2d.%.2d%c%.2d:%.2d", time.hour, time.minute, time.second,
                        time.hundredths, sign < 0 ? '-' : '+', sign * time.tz_hour, sign * time.tz_minute);
 }
 

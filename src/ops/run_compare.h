@@ -1,7 +1,7 @@
 // run_compare.h - the compare contract, once for all types of fixed size.
 //
 // A description V of one value supplies:
-//   kEqualBytes                          whether equal bytes always compare as 0 (then equal blocks are skipped)
+//   kEqualBytes                          whether equal bytes always compare as 0 (then they are skipped)
 //   elementSize(code)                    bytes of one value in the format code
 //   direct(code)                         whether compareDirect applies to the code
 //   compareDirect(a, b)                  compares two values in memory layout
@@ -45,22 +45,15 @@ template <bool kSkipEqualBytes, class CompareOne>
 long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
   const unsigned long pairs = runs.readablePairs();
   const unsigned long size = runs.size;
-  unsigned long i = 0;
-  while (i < pairs) {
-    unsigned long stop = pairs;
+  for (unsigned long i = 0; i < pairs; ++i) {
     if constexpr (kSkipEqualBytes) {
-      const unsigned long equal = equalBlocks(runs.a + i * size, runs.b + i * size, (pairs - i) * size);
-      i += equal / size;
-      // The values that touch the differing block; beyond it equal blocks may follow again.
-      const unsigned long touched = kEqualBlock / size + 2;
-      stop = pairs - i < touched ? pairs : i + touched;
+      i += equalBytes(runs.a + i * size, runs.b + i * size, (pairs - i) * size) / size;
+      if (i >= pairs) break;
     }
-    for (; i < stop; ++i) {
-      const long result = compareOne(runs.a + i * size, runs.b + i * size);
-      if (result != 0) {
-        status = runs.statusBefore(i + 1);
-        return result;
-      }
+    const long result = compareOne(runs.a + i * size, runs.b + i * size);
+    if (result != 0) {
+      status = runs.statusBefore(i + 1);
+      return result;
     }
   }
   if (pairs < runs.count) status = KtERR_OVERRUN;

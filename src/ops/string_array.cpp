@@ -1,31 +1,12 @@
 #include "ops/string_array.h"
 
-#include <ktbs.h>
-
-#include <cstdlib>
-#include <memory>
-#include <new>
+#include "ops/handle_arrays.h"
 
 namespace kt {
 
-KtString* createStrings(unsigned long count) {
-  const unsigned long elements = count == 0 ? 1 : count;
-  const bool overflow = elements > ~0ul / sizeof(KtString);
-  void* block = overflow ? nullptr : std::malloc(elements * sizeof(KtString));
-  if (block == nullptr) {
-    KtCallMemoryHandler(elements * sizeof(KtString));
-    return nullptr;
-  }
-  auto* strings = static_cast<KtString*>(block);
-  std::uninitialized_default_construct_n(strings, elements);
-  return strings;
-}
+KtString* createStrings(unsigned long count) { return static_cast<KtString*>(HandleArrays<KtString>::create(count)); }
 
-void deleteStrings(KtString* strings, unsigned long count) {
-  if (strings == nullptr) return;
-  std::destroy_n(strings, count == 0 ? 1 : count);
-  std::free(strings);
-}
+void deleteStrings(KtString* strings, unsigned long count) { HandleArrays<KtString>::destroy(strings, count); }
 
 const KtString* stringAt(const KtTypeConvertData* data, unsigned long index) {
   if (data == nullptr || index > 0x7FFFFFFFul) return nullptr;

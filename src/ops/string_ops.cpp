@@ -5,9 +5,6 @@
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
-#include <memory>
-#include <new>
-
 namespace kt {
 namespace {
 
@@ -21,37 +18,6 @@ void appendFormat(KtString& out, const char* from, const char* to) {
 bool isNullText(const KtString& text) { return text.EqualsIgnoreLanguage(nullPrintString()) != 0; }
 
 }  // namespace
-
-void* StringArrayOps::create(unsigned long count) { return createStrings(count); }
-
-void* StringArrayOps::destroy(void* values, unsigned long count) {
-  deleteStrings(stringsAt(values), count);
-  return nullptr;
-}
-
-void StringArrayOps::construct(void* values, unsigned long count, unsigned long) {
-  std::uninitialized_default_construct_n(stringsAt(values), count);
-}
-
-void StringArrayOps::destruct(void* values, unsigned long count, unsigned long) {
-  std::destroy_n(stringsAt(values), count);
-}
-
-// Runs may overlap: as in memmove, what is still to be read is never overwritten.
-void StringArrayOps::assign(void* dst, void* src, unsigned long count, int fill) {
-  KtString* to = stringsAt(dst);
-  const KtString* from = stringsAt(src);
-  const bool backwards = fill == 0 && to > from && to < from + count;
-  for (unsigned long i = 0; i < count; ++i) {
-    const unsigned long at = backwards ? count - 1 - i : i;
-    to[at] = from[fill != 0 ? 0 : at];
-  }
-}
-
-void StringArrayOps::copy(void* dst, void* src, unsigned long count, int fill) {
-  const KtString* from = stringsAt(src);
-  for (unsigned long i = 0; i < count; ++i) new (stringsAt(dst) + i) KtString(from[fill != 0 ? 0 : i]);
-}
 
 KtTypeConvertData* StringArrayOps::convertTo(void* values, unsigned long count) {
   const KtString* strings = stringsAt(values);

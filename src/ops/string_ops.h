@@ -3,6 +3,7 @@
 #define KT_OPS_STRING_OPS_H
 
 #include "kttypops.h"
+#include "ops/handle_arrays.h"
 #include "ops/illegal_ops.h"
 #include "ops/string_kinds.h"
 #include "ops/string_run_ops.h"
@@ -10,13 +11,7 @@
 namespace kt {
 
 // The rows of the string types share the form in memory, an array of KtString.
-struct StringArrayOps {
-  static void* create(unsigned long count);
-  static void* destroy(void* values, unsigned long count);
-  static void construct(void* values, unsigned long count, unsigned long unused);
-  static void destruct(void* values, unsigned long count, unsigned long unused);
-  static void assign(void* dst, void* src, unsigned long count, int fill);
-  static void copy(void* dst, void* src, unsigned long count, int fill);
+struct StringArrayOps : HandleArrays<KtString> {
   static KtTypeConvertData* convertTo(void* values, unsigned long count);
 };
 

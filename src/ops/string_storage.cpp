@@ -14,6 +14,7 @@ namespace {
 
 constexpr unsigned long kResultMask = 0xFFFF;
 constexpr unsigned long kLongestStored = 65532;  // bufferSize of the longest text that a record can hold
+constexpr unsigned long kLongestTaken = 65532;   // bytes that takeText takes
 
 const KtString* stringsAt(const void* values) { return static_cast<const KtString*>(values); }
 
@@ -45,8 +46,10 @@ void takeOlder(KtString& s, const char* text, unsigned long bytes) {
   const unsigned char language = KtLanguageContext::GetDefaultLanguage();
   if (bytes == 0) {
     becomeEmpty(s, narrowSet(), language);
+  } else if (bytes <= kLongestTaken) {
+    takeText(s, text, bytes, narrowSet(), language);
   } else {
-    takeText(s, text, std::min(bytes, kLongestLength - kEmptyLength), narrowSet(), language);
+    assign(s, text, narrowSet(), language, bytes);
   }
 }
 
@@ -107,6 +110,14 @@ unsigned long sizeInMemory(const KtString* strings, unsigned char format, unsign
   return total;
 }
 
+// An older record under the bit of index keys: told as the current one of the same length that it is taken for, unless
+// the keys of its texts take more.
+unsigned long olderSizeAsKeys(const Record& record, unsigned char format, unsigned long count) {
+  const unsigned char taken = record.length != 0 ? record.codeSet() : 0;
+  return std::max(keyBytes(record.length, taken, format) + kLengthBytes,
+                  olderKeySize(record, seenCodeSet(0, format), count));
+}
+
 // Walks records within `available` bytes; a record that does not fit ends the walk.
 unsigned long sizeOnDisk(const unsigned char* data, unsigned long available, unsigned char format,
                          unsigned long count) {
@@ -114,11 +125,10 @@ unsigned long sizeOnDisk(const unsigned char* data, unsigned long available, uns
   for (unsigned long i = 0; i < count && available >= kLengthBytes; ++i) {
     const Record record = recordAt(data, format);
     if (record.size() > available) break;
-    const bool isOlder = record.isOlder();
-    const bool isKey = (format & kIndexKeyForm) != 0 && record.length >= kEmptyLength;
-    if (isOlder && !isKey) return record.size();
+    if (record.isOlder()) {  // it is the whole run
+      return (format & kIndexKeyForm) == 0 ? record.size() : total + olderSizeAsKeys(record, format, count - i);
+    }
     total += keyBytes(record.length, record.codeSet(), format) + kLengthBytes;
-    if (isOlder) break;  // it is the whole run
     data += record.size();
     available -= record.size();
   }
@@ -126,6 +136,18 @@ unsigned long sizeOnDisk(const unsigned char* data, unsigned long available, uns
 }
 
 }  // namespace
+
+unsigned long olderKeySize(const Record& record, unsigned char codeSet, unsigned long count) {
+  OlderTexts texts(record);
+  const unsigned long growth = codeSet != 0 ? 4 : 1;
+  unsigned long total = 0;
+  for (unsigned long i = 0; i < count && (i == 0 || !texts.atEnd()); ++i) {
+    unsigned long bytes;
+    texts.take(bytes);
+    total += (bytes + 2) * growth + kTextAt;
+  }
+  return total;
+}
 
 unsigned long stringNullSizeGet(unsigned long count) { return count * kEmptyRecord; }
 

@@ -6,8 +6,14 @@
 
 namespace kt {
 
+struct Record;
+
 // A null string's record has no characters.
 unsigned long stringNullSizeGet(unsigned long count);
+
+// What the index keys of the texts of an older record take, at most `count` of them, under the code set that these count
+// as.
+unsigned long olderKeySize(const Record& record, unsigned char codeSet, unsigned long count);
 
 // As StringSizeGet for the records at the file's position, which stays. Records that do not lie wholly in the file do
 // not count, and end the walk.

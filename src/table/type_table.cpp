@@ -6,9 +6,10 @@
 
 #include "ktstring.h"
 #include "kttypops.h"
+#include "ops/blob_ops.h"
 #include "ops/boolean_ops.h"
-#include "ops/identity_ops.h"
 #include "ops/date_ops.h"
+#include "ops/identity_ops.h"
 #include "ops/illegal_ops.h"
 #include "ops/int64_ops.h"
 #include "ops/nullable_ops.h"
@@ -33,7 +34,7 @@
 namespace kt {
 namespace {
 
-// The illegal row, and the base of rows whose operations are not there yet: everything answers 0 or null.
+// The illegal row: everything answers 0 or null.
 constexpr KtTypeDescriptor illegalRow(const char* name, unsigned short memLen, const char* format) {
   using Ops = IllegalOps;
   return {.Name = name,
@@ -63,18 +64,6 @@ constexpr KtTypeDescriptor illegalRow(const char* name, unsigned short memLen, c
           .IsFixed = 1,
           .DefaultValue = Ops::defaultValue,
           .Reserved = nullptr};
-}
-
-enum class Null { kNo, kYes };
-enum class Length { kFixed, kVariable };
-
-// A row whose type is not built yet: name, lengths and format are final, the operations borrowed.
-constexpr KtTypeDescriptor borrowedRow(const char* name, unsigned short memLen, const char* format, Null null,
-                                       Length length = Length::kFixed) {
-  KtTypeDescriptor row = illegalRow(name, memLen, format);
-  if (null == Null::kYes) row.SetNull = IllegalOps::setNullNotApplicable;
-  row.IsFixed = length == Length::kFixed;
-  return row;
 }
 
 // The base library's helpers of one width. Functions, because the addresses of another library's functions are known to
@@ -208,10 +197,15 @@ constexpr KtTypeDescriptor rowOf(const char* name, unsigned short memLen, const 
 }
 
 template <class Ops>
-constexpr KtTypeDescriptor stringRow(const char* name) {
-  KtTypeDescriptor row = rowOf<Ops>(name, sizeof(KtString), "%s");
+constexpr KtTypeDescriptor variableRow(const char* name, unsigned short memLen, const char* format) {
+  KtTypeDescriptor row = rowOf<Ops>(name, memLen, format);
   row.IsFixed = 0;
   return row;
+}
+
+template <class Ops>
+constexpr KtTypeDescriptor stringRow(const char* name) {
+  return variableRow<Ops>(name, sizeof(KtString), "%s");
 }
 
 // The nullable form of the scalar that V describes.
@@ -259,7 +253,7 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /* 15 */ rowOf<ObjIdOps>("KtObjId", sizeof(KtObjId), kObjIdFormat),
     /* 16 */ rowOf<ClassIdOps>("KtClassId", sizeof(KtClassId), kClassIdFormat),
     /* 17 */ rowOf<RefOps>("KtRef", sizeof(KtRef), kRefFormat),
-    /* 18 */ borrowedRow("KtBlob", sizeof(void*), "[BLOB,len=%L]", Null::kYes, Length::kVariable),
+    /* 18 */ variableRow<BlobOps>("KtBlob", sizeof(KtBlob), kBlobFormat),
     /* 19 */ rowOf<KtDateTimeOps>("KtDateTime", sizeof(KtDateTime), "%a %e.%b %Y %I:%M:%S %p"),
     /* 20 */ stringRow<IStringOps>("KtIString"),
     /* 21 */ stringRow<CaseIStringOps>("KtCaseIString"),

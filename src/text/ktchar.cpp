@@ -5,14 +5,8 @@
 
 namespace {
 
-constexpr unsigned char kDefaultLanguage = 255;
 constexpr unsigned char kAlphabeticKind = 1;
 constexpr unsigned short kFirstVisibleOrder = 80;  // below: spaces, separators, controls, the end of a text
-
-unsigned char kindOf(unsigned char language) {
-  return KtUnicodeProps::CollationKind(language == kDefaultLanguage ? KtLanguageContext::GetDefaultLanguage()
-                                                                    : language);
-}
 
 }  // namespace
 
@@ -34,10 +28,12 @@ KtChar& KtChar::operator=(const KtChar& other) {
 
 unsigned short KtChar::Unicode() const { return kt::characterSet(codeSet).ToUnicode(code); }
 
-unsigned short KtChar::Order() const { return KtUnicodeProps::Order(Unicode(), kindOf(language)); }
+unsigned short KtChar::Order() const {
+  return KtUnicodeProps::Order(Unicode(), KtUnicodeProps::CollationKind(language));
+}
 
 int KtChar::IsSpace() const {
-  const unsigned char kind = kindOf(language);
+  const unsigned char kind = KtUnicodeProps::CollationKind(language);
   const bool alphabetic = kind < KtUnicodeProps::kIdeographicKind;
   return KtUnicodeProps::Order(Unicode(), alphabetic ? kind : kAlphabeticKind) < kFirstVisibleOrder;
 }

@@ -6,21 +6,7 @@
 namespace {
 
 constexpr unsigned char kDefault8 = 255;
-constexpr unsigned char kDefaultLanguage = 255;
 constexpr unsigned short kMoreOrders = 0xFFFF;  // of an order page under an alphabetic kind
-
-// Codes of the byte order of 16-bit characters.
-constexpr unsigned char kLikeMemory = 1;
-constexpr unsigned char kBigEndian = 2;
-constexpr unsigned char kMemory = 8;
-constexpr unsigned char kInMemory = 255;
-
-constexpr bool isSwapped(unsigned char flag) {
-  if (flag == kLikeMemory || flag == kMemory || flag == kInMemory) {
-    return false;
-  }
-  return (flag == kBigEndian) != kt::kHostIsBig;
-}
 
 // Writes characters behind each other and keeps room for the terminator.
 class UnitWriter {
@@ -69,7 +55,7 @@ KtStringIterator::KtStringIterator(const char* text, unsigned char codeSet, unsi
       position_(0),
       pendingCount_(0),
       codeSet_(codeSet == kDefault8 ? kt::narrowSet() : codeSet),
-      language_(language == kDefaultLanguage ? KtLanguageContext::GetDefaultLanguage() : language),
+      language_(language),
       flag_(flag) {
   set_ = &KtCodeSet::Get(codeSet_);
   kind_ = KtUnicodeProps::CollationKind(language_);
@@ -80,7 +66,7 @@ unsigned short KtStringIterator::Unit() const {
     return 0;
   }
   const std::uint16_t unit = kt::unitAt(text_, position_, set_->CharSize());
-  return set_->CharSize() == 2 && isSwapped(flag_) ? kt::swapped(unit) : unit;
+  return set_->CharSize() == 2 && kt::isSwappedText(flag_) ? kt::swapped(unit) : unit;
 }
 
 int KtStringIterator::AtEnd() const { return Unit() == 0; }

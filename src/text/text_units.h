@@ -13,6 +13,12 @@ namespace kt {
 // Byte orders of 16-bit characters.
 constexpr bool kHostIsBig = std::endian::native == std::endian::big;
 
+// Whether 16-bit characters under a byte order flag are in the order that is not the host's. 1 (laid out like memory), 8
+// (memory) and 255 (ordinary use) are the host's order, 2 is big-endian, all else little-endian.
+constexpr bool isSwappedText(unsigned char flag) {
+  return flag != 1 && flag != 8 && flag != 255 && (flag == 2) != kHostIsBig;
+}
+
 inline std::uint16_t swapped(std::uint16_t unit) { return static_cast<std::uint16_t>((unit << 8) | (unit >> 8)); }
 
 // Unit `index` of a text with `width` bytes a unit.

@@ -9,28 +9,36 @@
 
 namespace kt {
 
-constexpr unsigned long kShortText = 24;
+constexpr unsigned long kShortRoom = 40;
 
-// Appends n ASCII characters, 1 to kShortText, in the string's own code set. kShortText bytes can be read at text, so
-// that the usual case copies them all.
+// The end of the text, where kShortRoom bytes may be written before grow() takes some of them in; null where the block
+// has no such room.
+inline char* roomBehind(KtString& s) {
+  const unsigned long size = s.bufferSize;
+  const bool fits =
+      size != 0 && s.CharSize() == 1 && size + kShortRoom < kMaxTextBytes && size + kShortRoom < blockSize(size);
+  return fits && !mayHoldZero(s.buffer, size) ? s.buffer + size - 1 : nullptr;
+}
+
+// The n characters behind the text, within its block, belong to it.
+inline void grow(KtString& s, unsigned long n) {
+  const unsigned long size = s.bufferSize + n;
+  s.buffer[size - 1] = '\0';
+  noteMayHoldZero(s.buffer, size, false);
+  s.bufferSize = static_cast<std::uint16_t>(size);
+}
+
+// Appends n ASCII characters in the string's own code set.
 inline void appendShort(KtString& s, const char* text, unsigned long n) {
   const unsigned long old = s.bufferSize;
   const unsigned long size = old + n;
-  const unsigned long block = blockSize(old);
-  const bool fits = old != 0 && s.CharSize() == 1 && size <= kMaxTextBytes && blockSize(size) == block;
+  const bool fits = old != 0 && s.CharSize() == 1 && size <= kMaxTextBytes && blockSize(size) == blockSize(old);
   if (!fits || mayHoldZero(s.buffer, old)) {
     appendAscii(s, text, n);
     return;
   }
-  char* target = s.buffer + old - 1;
-  if (old - 1 + kShortText <= block) {
-    std::memcpy(target, text, kShortText);
-  } else {
-    copyText(target, text, n);
-  }
-  target[n] = '\0';
-  noteMayHoldZero(s.buffer, size, false);
-  s.bufferSize = static_cast<std::uint16_t>(size);
+  copyText(s.buffer + old - 1, text, n);
+  grow(s, n);
 }
 
 }  // namespace kt

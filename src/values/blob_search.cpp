@@ -117,7 +117,7 @@ public:
       if (from == stop) break;
       if (matches(from)) return from;
       ++from;
-      const bool failsOften = spent_ > kAllowance[stage_] + (from - began_) / kShare[stage_];
+      const bool failsOften = spent_ > allowance() + (from - began_) / kShare[stage_];
       if (failsOften && !chooseProbes(from)) return findLinear(from);
     }
     return kBytesNotFound;
@@ -131,7 +131,8 @@ private:
   // the linear search reads in that time. The first stage
   // ends when it has cost as much as finding the rarest bytes does.
   static constexpr unsigned long kFailure = 16;
-  static constexpr unsigned long kAllowance[kStages] = {512, 1024, 1024, 1024};
+  static constexpr unsigned long kAllowance = 512;
+  static constexpr unsigned long kChoice = 512;
   static constexpr unsigned long kShare[kStages] = {64, 1, 1, 1};
 
   void setProbe(unsigned probe, unsigned long place) { probes_[probe] = {hay_ + place, needle_[place]}; }
@@ -159,11 +160,16 @@ private:
     return true;
   }
 
+  // Bytes of the needle among which the rarest are chosen.
+  unsigned long choice() const { return n_ < kChoice ? n_ : kChoice; }
+
+  unsigned long allowance() const { return kAllowance + (stage_ == 0 ? 4 * choice() : 0); }
+
   // A byte that is rare in the hay counts as common once it is chosen.
   void chooseRarest(Sample sample) {
     for (unsigned probe = 0; probe < kProbes; ++probe) {
       unsigned long rarest = 0;
-      for (unsigned long i = 1; i < n_ && i < kChoice; ++i)
+      for (unsigned long i = 1; i < choice(); ++i)
         if (sample[needle_[i]] < sample[needle_[rarest]]) rarest = i;
       setProbe(probe, rarest);
       sample[needle_[rarest]] += kCommon;
@@ -177,7 +183,6 @@ private:
   }
 
   static constexpr unsigned kProbes = 3;
-  static constexpr unsigned long kChoice = 64;  // bytes of the needle among which the rarest are chosen
   static constexpr std::uint16_t kCommon = 1024;
 
   Bytes hay_, needle_;

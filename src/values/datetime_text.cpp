@@ -5,6 +5,8 @@
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace kt {
@@ -21,8 +23,8 @@ constexpr Name named(const char (&text)[kSize]) {
 }
 
 // The spelling of the first two is part of every stored text: it stays.
-constexpr Name kMonths[] = {named("Januar"), named("Februar"), named("March"),     named("April"),
-                            named("May"),    named("June"),    named("July"),      named("August"),
+constexpr Name kMonths[] = {named("Januar"),    named("Februar"), named("March"),    named("April"),
+                            named("May"),       named("June"),    named("July"),     named("August"),
                             named("September"), named("October"), named("November"), named("December")};
 constexpr Name kWeekdays[] = {named("Monday"), named("Tuesday"),  named("Wednesday"), named("Thursday"),
                               named("Friday"), named("Saturday"), named("Sunday")};
@@ -70,13 +72,21 @@ inline char* putName(char* at, const Name& name, unsigned length) {
   return at + length;
 }
 
+// Anywhere, even where the "%" belongs to the directive before.
+bool holdsHalfDay(const char* format) {
+  for (char last = 0; *format != '\0'; last = *format++) {
+    if (last == '%' && (*format == 'p' || *format == 'P')) return true;
+  }
+  return false;
+}
+
 class Printer {
 public:
   Printer(KtString& out, const KtDateTime& value, FromClock fromClock)
-      : out_(out), value_(value), fromClock_(fromClock), at_(buffer_) {}
+      : out_(out), date_(&value.date), time_(&value.time), fromClock_(fromClock), at_(buffer_) {}
 
   void print(const char* format) {
-    isTwelveHour_ = std::strstr(format, "%p") != nullptr || std::strstr(format, "%P") != nullptr;
+    format_ = format;
     for (; *format != '\0'; ++format) {
       if (at_ > buffer_ + sizeof buffer_ - kLongest) flush();
       if (*format != '%') {
@@ -99,25 +109,27 @@ private:
 
   const KtDate& date() {
     if (fromClock_ == FromClock::kDate) {
-      value_.date.Today();
+      clock_.date.Today();
+      date_ = &clock_.date;
       fromClock_ = FromClock::kNothing;
     }
-    return value_.date;
+    return *date_;
   }
 
   const KtTime& time() {
     if (fromClock_ == FromClock::kTime) {
-      value_.time.Now();
+      clock_.time.Now();
+      time_ = &clock_.time;
       fromClock_ = FromClock::kNothing;
     }
-    return value_.time;
+    return *time_;
   }
 
   // 1 to 12 where am or pm is printed too, else 0 to 12.
   int hourOfTwelve() {
     const int hour = time().hour;
     if (hour > 12) return hour - 12;
-    return hour == 0 && isTwelveHour_ ? 12 : hour;
+    return hour == 0 && holdsHalfDay(format_) ? 12 : hour;
   }
 
   char* putWeekday(char* at, bool isShort) {
@@ -159,9 +171,11 @@ private:
   }
 
   KtString& out_;
-  KtDateTime value_;
+  const KtDate* date_;
+  const KtTime* time_;
   FromClock fromClock_;
-  bool isTwelveHour_ = false;
+  KtDateTime clock_{KtDate(0, 0, 0), KtTime(0, 0, 0)};
+  const char* format_ = nullptr;
   char* at_;
   char buffer_[256];
 };
@@ -170,12 +184,62 @@ private:
 
 bool isBlank(char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
 
+// As sscanf reads "%<width>d": blanks in front do not count, a sign does; without digits the old number stays.
+[[gnu::noinline]] int unusualNumber(const char* p, const char* end, long width, int old) {
+  while (p != end && isBlank(*p)) ++p;
+  const char* stop = end - p < width ? end : p + width;
+  const bool isNegative = p != stop && *p == '-';
+  if (p != stop && (*p == '-' || *p == '+')) ++p;
+  const char* digits = p;
+  int number = 0;
+  for (; p != stop && *p >= '0' && *p <= '9'; ++p) number = 10 * number + (*p - '0');
+  if (p == digits) return old;
+  return isNegative ? -number : number;
+}
+
+// Of the names the one whose first three letters come next, or kCount.
+template <unsigned kCount>
+unsigned nameAt(const char* p, const char* end, const Name (&names)[kCount]) {
+  unsigned i = end - p < static_cast<long>(kShortName) ? kCount : 0;
+  while (i < kCount && std::memcmp(p, names[i].text, kShortName) != 0) ++i;
+  return i;
+}
+
+// Behind the letters that agree with the name.
+const char* behindName(const char* p, const char* end, const Name& name) {
+  for (const char* letter = name.text; *letter != '\0' && p != end && *p == *letter; ++letter) ++p;
+  return p;
+}
+
+// Numbers are cut to their fields as they are stored, and judged then.
+struct Fields {
+  std::int16_t year = 0;
+  std::int8_t month = 1, day = 1, hour = 0, minute = 0, second = 0;
+
+  // The bytes of the value, in one register: read as a whole, a value written field by field would wait for its fields.
+  std::uint64_t packed() const {
+    constexpr bool kBigHost = std::endian::native == std::endian::big;
+    std::uint64_t bytes = 0;
+    unsigned place = 0;
+    const auto put = [&](int field, unsigned size) {
+      const std::uint64_t mask = (1u << 8 * size) - 1;
+      const unsigned shift = kBigHost ? 64 - 8 * (place + size) : 8 * place;
+      bytes |= (static_cast<std::uint64_t>(field) & mask) << shift;
+      place += size;
+    };
+    put(year, 2);
+    for (const int field : {month, day, hour, minute, second}) put(field, 1);
+    return bytes;
+  }
+  bool isZero() const { return (year | month | day | hour | minute | second) == 0; }
+  bool isValid() const { return KtDate(year, month, day).IsDate() && KtTime(hour, minute, second).IsTime(); }
+};
+
 class Scanner {
 public:
-  Scanner(const NarrowText& text, int firstDay)
-      : at_(text.begin()), end_(text.end()), value_(KtDate(0, 1, firstDay), KtTime(0, 0, 0)) {}
+  Scanner(const NarrowText& text, const Fields& start) : at_(text.begin()), end_(text.end()), fields_(start) {}
 
-  KtDateTime scan(const char* format) {
+  [[gnu::always_inline]] inline Fields scan(const char* format) {
     for (; *format != '\0'; ++format) {
       if (*format != '%') {
         skip(1);
@@ -185,56 +249,46 @@ public:
         take(*format);
       }
     }
-    if (isAfternoon_ && value_.time.hour < 12) {
-      value_.time.hour = static_cast<std::int8_t>(value_.time.hour + 12);
-    } else if (isMorning_ && value_.time.hour == 12) {
-      value_.time.hour = 0;
+    if (isAfternoon_ && fields_.hour < 12) {
+      fields_.hour = static_cast<std::int8_t>(fields_.hour + 12);
+    } else if (isMorning_ && fields_.hour == 12) {
+      fields_.hour = 0;
     }
-    return value_;
+    return fields_;
   }
 
 private:
   void skip(long count) { at_ = end_ - at_ < count ? end_ : at_ + count; }
 
-  // As sscanf reads "%<width>d": blanks in front do not count, a sign does; without digits the field stays.
-  template <class Field>
-  void number(Field& field, long width) {
-    const char* p = at_;
-    while (p != end_ && isBlank(*p)) ++p;
-    const char* stop = end_ - p < width ? end_ : p + width;
-    const bool isNegative = p != stop && *p == '-';
-    if (p != stop && (*p == '-' || *p == '+')) ++p;
-    const char* digits = p;
-    int number = 0;
-    for (; p != stop && *p >= '0' && *p <= '9'; ++p) number = 10 * number + (*p - '0');
-    if (p != digits) field = static_cast<Field>(isNegative ? -number : number);
-    skip(width);
+  // Nearly always there are just the digits.
+  template <int kWidth, class Field>
+  void number(Field& field) {
+    unsigned number = 0;
+    bool isPlain = end_ - at_ >= kWidth;
+    for (int i = 0; isPlain && i < kWidth; ++i) {
+      const unsigned digit = static_cast<unsigned char>(at_[i]) - unsigned{'0'};
+      isPlain = digit < 10;
+      number = 10 * number + digit;
+    }
+    field = static_cast<Field>(isPlain ? static_cast<int>(number) : unusualNumber(at_, end_, kWidth, field));
+    skip(kWidth);
   }
 
-  // The index of the name whose first three letters come next, or -1; consumes the letters that agree.
-  template <unsigned kCount>
-  int name(const Name (&names)[kCount]) {
-    if (end_ - at_ < static_cast<long>(kShortName)) return -1;
-    for (unsigned i = 0; i < kCount; ++i) {
-      if (std::memcmp(at_, names[i].text, kShortName) != 0) continue;
-      for (const char* p = names[i].text; *p != '\0' && at_ != end_ && *at_ == *p; ++p) ++at_;
-      return static_cast<int>(i);
-    }
-    return -1;
+  void weekday() {
+    const unsigned index = nameAt(at_, end_, kWeekdays);
+    if (index < 7) at_ = behindName(at_, end_, kWeekdays[index]);
   }
 
   void month() {
-    const int index = name(kMonths);
-    if (index >= 0) {
-      value_.date.month = static_cast<std::int8_t>(index + 1);
-    } else {
-      number(value_.date.month, 3);
-    }
+    const unsigned index = nameAt(at_, end_, kMonths);
+    if (index == 12) return number<3>(fields_.month);
+    fields_.month = static_cast<std::int8_t>(index + 1);
+    at_ = behindName(at_, end_, kMonths[index]);
   }
 
   void yearOfCentury() {
-    number(value_.date.year, 2);
-    value_.date.year = static_cast<std::int16_t>(value_.date.year + 1900);
+    number<2>(fields_.year);
+    fields_.year = static_cast<std::int16_t>(fields_.year + 1900);
   }
 
   void halfDay() {
@@ -244,22 +298,22 @@ private:
     skip(2);
   }
 
-  void take(char directive) {
+  [[gnu::always_inline]] inline void take(char directive) {
     switch (directive) {
       case 'a':
-      case 'A': name(kWeekdays); return;
+      case 'A': return weekday();
       case 'b':
       case 'B': return month();
       case 'd':
-      case 'e': return number(value_.date.day, 2);
+      case 'e': return number<2>(fields_.day);
       case 'H':
-      case 'I': return number(value_.time.hour, 2);
-      case 'M': return number(value_.time.minute, 2);
-      case 'm': return number(value_.date.month, 2);
+      case 'I': return number<2>(fields_.hour);
+      case 'M': return number<2>(fields_.minute);
+      case 'm': return number<2>(fields_.month);
       case 'p':
       case 'P': return halfDay();
-      case 'S': return number(value_.time.second, 2);
-      case 'Y': return number(value_.date.year, 4);
+      case 'S': return number<2>(fields_.second);
+      case 'Y': return number<4>(fields_.year);
       case 'y': return yearOfCentury();
       default: return skip(1);
     }
@@ -267,19 +321,21 @@ private:
 
   const char* at_;
   const char* end_;
-  KtDateTime value_;
+  Fields fields_;
   bool isAfternoon_ = false;
   bool isMorning_ = false;
 };
 
-KtDateTime scanFrom(const KtString& in, const char* format, int firstDay) {
+constexpr Fields kNullFields = {-32768, -128, -128, -128, -128, -128};
+
+// The scanned fields become those of a value by finish(fields), in one function, so that they need not leave the
+// registers.
+template <class Finish>
+inline KtDateTime scanFrom(const KtString& in, const char* format, const Fields& start, Finish finish) {
   const NarrowText text(in);
-  if (text.beginsWith(NarrowText(nullPrintString()))) {
-    KtDateTime null(KtDate(0, 0, 0), KtTime(0, 0, 0));
-    null.SetNullValue();
-    return null;
-  }
-  return Scanner(text, firstDay).scan(format);
+  std::uint64_t bytes = kNullFields.packed();
+  if (!text.beginsWith(NarrowText(nullPrintString()))) bytes = finish(Scanner(text, start).scan(format));
+  return std::bit_cast<KtDateTime>(bytes);
 }
 
 }  // namespace
@@ -293,11 +349,15 @@ KtString& printDateTime(KtString& out, const KtDateTime& value, const char* form
 }
 
 KtDateTime scanDateTime(const KtString& in, const char* format) {
-  const KtDateTime value = scanFrom(in, format, 1);
-  if (value.IsNullValue() || value.IsDaTime() || value == KtDateTime::Null()) return value;
-  return {KtDate(0, 1, 1), KtTime(0, 0, 0)};
+  return scanFrom(in, format, Fields(), [](const Fields& fields) {
+    return fields.isValid() || fields.isZero() ? fields.packed() : Fields().packed();
+  });
 }
 
-KtDateTime scanPeriod(const KtString& in, const char* format) { return scanFrom(in, format, 0); }
+KtDateTime scanPeriod(const KtString& in, const char* format) {
+  Fields start;
+  start.day = 0;
+  return scanFrom(in, format, start, [](const Fields& fields) { return fields.packed(); });
+}
 
 }  // namespace kt

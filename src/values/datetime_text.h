@@ -14,6 +14,9 @@ const char* weekdayName(const KtDate& date);
 // them.
 enum class FromClock { kNothing, kDate, kTime };
 
+// Of date-times, where none is given.
+constexpr char kDateTimeFormat[] = "%Y-%m-%dT%H:%M:%S";
+
 // Appends the value to out, or replaces out by the null print string when both parts of the value are null. Returns out.
 KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format,
                         FromClock fromClock = FromClock::kNothing);

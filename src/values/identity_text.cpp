@@ -13,7 +13,9 @@ namespace {
 
 constexpr char kWideLetters[] = "BL";  // the fields of 32 bits
 
-unsigned fieldOf(char letter) { return static_cast<unsigned>(std::strchr(kIdentityLetters, letter) - kIdentityLetters); }
+unsigned fieldOf(char letter) {
+  return static_cast<unsigned>(std::strchr(kIdentityLetters, letter) - kIdentityLetters);
+}
 
 bool isWide(char letter) { return std::strchr(kWideLetters, letter) != nullptr; }
 
@@ -26,8 +28,7 @@ struct Directive {
 // Walks a format, directive by directive, and never past its terminator.
 class FormatReader {
 public:
-  FormatReader(const IdentityForm& form, const char* format)
-      : form_(form), at_(format), position_(form.positions) {}
+  FormatReader(const IdentityForm& form, const char* format) : form_(form), at_(format), position_(form.positions) {}
 
   bool atEnd() const { return *at_ == '\0'; }
   bool atDirective() const { return *at_ == '%'; }

@@ -59,24 +59,31 @@ inline std::uint64_t digitCharacters(std::uint64_t digits, unsigned letterGap) {
   return digits + everyByte('0') + isLetter * letterGap;
 }
 
-constexpr unsigned kMaxDigits = 24;  // three words; 2^64 has 22 digits in base 8
+// Room that writeDigits needs: 22 digits (2^64 in base 8), and what lies behind the last word.
+constexpr unsigned kDigitRoom = 32;
 
-// Writes the digits right-aligned in front of `end`, padded to kMaxDigits; returns the first digit's address. Zero has
-// one digit. All words are made, whatever the number: lengths vary, and a wrong guess costs more than a word.
+inline char* writeWord(char* at, std::uint64_t characters) {
+  characters = bigEndian(characters);
+  std::memcpy(at, &characters, 8);
+  return at + 8;
+}
+
+// Writes the digits and returns their end; zero has one digit. Words leave the registers where they belong: copying
+// them once more would wait for the stores.
 template <unsigned kBase>
-inline char* writeDigits(char* end, std::uint64_t number, unsigned letterGap) {
-  constexpr unsigned kWords = kBase == 16 ? 2 : 3;
-  unsigned zeros = 8 * kWords - 1;  // in front of the digits
-  for (unsigned i = 0; i < kWords; ++i) {
-    const std::uint64_t digits = splitDigits<kBase>(number % kEightDigits<kBase>);
-    const std::uint64_t characters = bigEndian(digitCharacters(digits, letterGap));
-    end -= 8;
-    std::memcpy(end, &characters, 8);
-    const unsigned ahead = 8 * (kWords - 1 - i) + static_cast<unsigned>(std::countl_zero(digits | 1)) / 8;
-    zeros = digits != 0 ? ahead : zeros;
-    number /= kEightDigits<kBase>;
+inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap) {
+  constexpr std::uint64_t kWord = kEightDigits<kBase>;
+  std::uint64_t rest[2];
+  unsigned more = 0;
+  while (number >= kWord) {
+    rest[more++] = number % kWord;
+    number /= kWord;
   }
-  return end + zeros;
+  const std::uint64_t first = splitDigits<kBase>(number);
+  const int zeros = std::countl_zero(first | 1) / 8;
+  at = writeWord(at, digitCharacters(first, letterGap) << 8 * zeros) - zeros;
+  while (more != 0) at = writeWord(at, digitCharacters(splitDigits<kBase>(rest[--more]), letterGap));
+  return at;
 }
 
 // --- digits to numbers ---------------------------------------------------------------------------------------------

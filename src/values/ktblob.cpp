@@ -116,6 +116,8 @@ KtBlob& KtBlob::Destroy(KtBlob& other) {
   return *this;
 }
 
+KtBlobData* KtBlob::AllocData(long n) { return newRecord(countOf(n) + 1); }
+
 // --- ask --------------------------------------------------------------------------------------------------------------
 
 int KtBlob::SetNullValue() {

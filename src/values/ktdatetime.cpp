@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr char kDefaultFormat[] = "%Y-%m-%dT%H:%M:%S";
 constexpr int kUnknownOffset = -2171;
 constexpr int kDayMinutes = 1440;
 
@@ -65,11 +64,11 @@ int KtDateTime::ToLocalTime() { return shiftByOffset(*this, 1); }
 int KtDateTime::ToUTCTime() { return shiftByOffset(*this, -1); }
 
 KtString& KtDateTime::PrintToKtString(KtString& out, const char* format) const {
-  return kt::printDateTime(out, *this, format == nullptr ? kDefaultFormat : format);
+  return kt::printDateTime(out, *this, format == nullptr ? kt::kDateTimeFormat : format);
 }
 
 void KtDateTime::ScanFromKtString(const KtString& in, const char* format) {
-  *this = kt::scanDateTime(in, format == nullptr ? kDefaultFormat : format);
+  *this = kt::scanDateTime(in, format == nullptr ? kt::kDateTimeFormat : format);
 }
 
 int GetSystemTimeInMSSinceTheEpoch(KtInt64& result) {

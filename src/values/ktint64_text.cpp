@@ -31,37 +31,30 @@ bool isConversion(const char* format) {
 
 // --- printing -------------------------------------------------------------------------------------------------------
 
-constexpr unsigned kMaxPrefix = 8;  // room for a sign and 0x
+static_assert(kt::kShortRoom >= 3 + kt::kDigitRoom);  // a sign, 0x, the digits
 
-void appendNumber(KtString& out, const KtInt64& number, char directive) {
-  char text[kMaxPrefix + kt::kMaxDigits + kt::kShortText] = {};
-  char* const end = text + kMaxPrefix + kt::kMaxDigits;
-  char* begin;
+// Writes one conversion and returns its end; kShortRoom bytes may be written.
+char* writeNumber(char* at, const KtInt64& number, char directive) {
   const std::uint64_t magnitude = number.Abs().Bits();
-  bool isSigned = number.high < 0;
-  switch (directive) {
-    case 'x':
-    case 'X':
-      begin = kt::writeDigits<16>(end, magnitude, directive == 'x' ? kLowerGap : kUpperGap);
-      *--begin = directive;
-      *--begin = '0';
-      break;
-    case 'o':
-      begin = kt::writeDigits<8>(end, magnitude, 0);
-      *--begin = '0';
-      break;
-    default:
-      begin = kt::writeDigits<10>(end, magnitude, 0);
-      if (isSigned) *--begin = '-';
-      isSigned = false;
-  }
-  // The least number has no positive counterpart: in these bases it stands without a sign.
-  if (isSigned && static_cast<std::int64_t>(magnitude) >= 0) *--begin = '-';
-  kt::appendShort(out, begin, static_cast<unsigned long>(end - begin));
+  const bool isDecimal = directive != 'o' && directive != 'x' && directive != 'X';
+  // The least number has no positive counterpart: beyond base 10 it stands without a sign.
+  if (number.high < 0 && (isDecimal || static_cast<std::int64_t>(magnitude) >= 0)) *at++ = '-';
+  if (isDecimal) return kt::writeDigits<10>(at, magnitude, 0);
+  *at++ = '0';
+  if (directive == 'o') return kt::writeDigits<8>(at, magnitude, 0);
+  *at++ = directive;
+  return kt::writeDigits<16>(at, magnitude, directive == 'x' ? kLowerGap : kUpperGap);
 }
 
-// The longest texts: a sign and 20 digits of base 10 (no sign on the least number in base 8), 0 and 22 digits of base 8.
-static_assert(kt::kShortText >= 1 + 1 + 22);
+void appendNumber(KtString& out, const KtInt64& number, char directive) {
+  char* const behind = kt::roomBehind(out);
+  if (behind != nullptr) {
+    kt::grow(out, static_cast<unsigned long>(writeNumber(behind, number, directive) - behind));
+    return;
+  }
+  char text[kt::kShortRoom];
+  kt::appendShort(out, text, static_cast<unsigned long>(writeNumber(text, number, directive) - text));
+}
 
 // The end of the run of ordinary characters that begins at `from`.
 const char* ordinaryEnd(const char* from) {

@@ -5,7 +5,6 @@
 #include "text/string_block.h"
 #include "text/text_units.h"
 
-#include <charconv>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>

@@ -68,6 +68,11 @@ bool isSpaceAt(const KtString& s, unsigned long pos) {
   return KtChar(kt::unitAt(s.buffer, pos, s.CharSize()), characterLabel(s), s.language).IsSpace() != 0;
 }
 
+// What stands behind an inner zero does not outlive a rewriting.
+void dropBehindZero(KtString& s) {
+  if (s.buffer != nullptr && kt::mayHoldZero(s.buffer, s.bufferSize)) kt::rebuild(s, {.pos = s.Len()});
+}
+
 void mapCase(KtString& s, const unsigned char* table, unsigned short (KtCodeSet::*map)(unsigned short) const) {
   if (s.buffer == nullptr) return;
   if (s.CharSize() == 1) {
@@ -204,11 +209,13 @@ KtString& KtString::Transform(KtCharOperation& op) {
 
 // As Transform with a KtLowerCaseOperation, which never changes the number of characters.
 KtString& KtString::ToLower() {
+  dropBehindZero(*this);
   mapCase(*this, KtCodeSet::Get(codeSet).ToLowerTable(), &KtCodeSet::ToLower);
   return *this;
 }
 
 KtString& KtString::ToUpper() {
+  dropBehindZero(*this);
   mapCase(*this, KtCodeSet::Get(codeSet).ToUpperTable(), &KtCodeSet::ToUpper);
   return *this;
 }

@@ -97,7 +97,7 @@ int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsig
   int found = list.Find(separator, pos);
   while (found == 0) found = list.Find(separator, ++pos);
   const unsigned long length = list.Len();
-  if (found < 0 && pos >= length) return KtERR_END_OF_LIST;
+  if (pos >= length) return KtERR_END_OF_LIST;
   const unsigned long end = found < 0 ? length : static_cast<unsigned long>(found);
   KtString next = kt::slice(list, pos, end - pos);
   item = next.Trim();

@@ -19,7 +19,6 @@ namespace {
 using Mode = KtString::RebuildMode;
 
 constexpr char kSourceFile[] = "src\\ktstring";
-constexpr unsigned char kBigEndianCode = 2;
 constexpr unsigned long kTrimmedBlock = 512;  // of larger blocks a shrinking text gives back what it no longer needs
 constexpr unsigned long kLargestCount = 1ul << 30;  // keeps products of two counts and a width within 64 bits
 
@@ -82,7 +81,7 @@ public:
   Part(const KtString& s, const TextEdit& edit, unsigned long width)
       : edit_(edit), width_(width), sourceWidth_(KtCodeSet::CharSizeOf(edit.sourceSet)), codeSet_(s.codeSet) {
     const bool sameLabel = edit.sourceSet == s.codeSet || edit.sourceSet == 0;
-    swap_ = sourceWidth_ == 2 && edit.storeFlag != kOrdinaryUse && (edit.storeFlag == kBigEndianCode) != kHostIsBig;
+    swap_ = sourceWidth_ == 2 && isSwappedText(edit.storeFlag);
     asItStands_ = sameLabel && sourceWidth_ == width_ && !swap_;
     if (edit.count != 0 && edit.repeat > 1) map(first_, edit.source, 1);
   }
@@ -222,8 +221,28 @@ unsigned long appendPosition(const KtString& s) {
   return units == 0 ? 0 : units - 1;
 }
 
+namespace {
+
+// What most appends are: bytes as they stand, behind a text without zeros, within its block. False when it is not so.
+bool appendInBlock(KtString& s, const char* source, unsigned char sourceSet, unsigned long count) {
+  const bool sameLabel = sourceSet == s.codeSet || sourceSet == 0;
+  if (!sameLabel || s.CharSize() != 1 || s.buffer == nullptr || s.bufferSize == 0 || count >= kMaxTextBytes)
+    return false;
+  const unsigned long size = s.bufferSize + count;
+  if (size > kMaxTextBytes || blockSize(size) != blockSize(s.bufferSize) || mayHoldZero(s.buffer, s.bufferSize))
+    return false;
+  std::memmove(s.buffer + s.bufferSize - 1, source, count);
+  s.buffer[size - 1] = 0;
+  noteMayHoldZero(s.buffer, size, false);
+  s.bufferSize = static_cast<std::uint16_t>(size);
+  return true;
+}
+
+}  // namespace
+
 bool append(KtString& s, const char* source, unsigned char sourceSet, unsigned long count) {
   if (count == 0) return true;
+  if (appendInBlock(s, source, sourceSet, count)) return true;
   return rebuild(s, {.source = source, .sourceSet = sourceSet, .pos = appendPosition(s), .count = count});
 }
 
@@ -231,12 +250,12 @@ bool assign(KtString& s, const char* source, unsigned char codeSet, unsigned cha
             bool mayHoldZero) {
   const unsigned long width = KtCodeSet::CharSizeOf(codeSet);
   const unsigned long size = (count + 1) * width;
-  const bool ordinary = count != 0 && count < kMaxTextBytes / width &&
-                        (s.buffer == nullptr || blockSize(size) == blockSize(s.bufferSize));
+  const bool ordinary =
+      count < kMaxTextBytes / width && (s.buffer == nullptr ? count != 0 : blockSize(size) == blockSize(s.bufferSize));
   if (!ordinary) return assignByRebuild(s, source, codeSet, language, count, mayHoldZero);
   char* block = s.buffer == nullptr ? newBlock(size) : s.buffer;
   if (block == nullptr) return false;
-  std::memmove(block, source, count * width);
+  if (count != 0) std::memmove(block, source, count * width);
   std::memset(block + count * width, 0, width);
   noteMayHoldZero(block, size, mayHoldZero);
   s.buffer = block;

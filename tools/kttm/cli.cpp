@@ -56,21 +56,30 @@ CLI::Option* addFlag(CLI::App& command, const char* name, const char* descriptio
   return command.add_flag(name)->description(description);
 }
 
-ReadFlags::ReadFlags(CLI::App& command)
-    : format_(addOption(command, "--scan-format FORMAT", "format of the texts (default: the type's own)")),
-      convert_(addFlag(command, "--convert", "read the type's lossless conversion text (dates: day numbers) instead")),
-      lenient_(addFlag(command, "--lenient", "take whatever the type makes of a text, sense or not")),
-      language_(addOption(command, "--language NAME", "language of texts, by name or number (default: english)")),
+TextFlags::TextFlags(CLI::App& command)
+    : language_(addOption(command, "--language NAME", "language of texts, by name or number (default: english)")),
       codeSet_(
           addOption(command, "--codeset NAME",
                     "code set of texts, by name or number (default: iso-8859-1 where the text fits, else unicode)")) {}
 
-ReadOptions ReadFlags::options() const {
-  ReadOptions options{
-      .format = text(*format_, ""), .converted = convert_->count() > 0, .lenient = lenient_->count() > 0, .text = {}};
-  if (codeSet_->count() > 0) options.text.codeSet = parseCodeSet(text(*codeSet_, ""));
-  if (language_->count() > 0) options.text.language = parseLanguage(text(*language_, ""));
+TextOptions TextFlags::options() const {
+  TextOptions options;
+  if (codeSet_->count() > 0) options.codeSet = parseCodeSet(text(*codeSet_, ""));
+  if (language_->count() > 0) options.language = parseLanguage(text(*language_, ""));
   return options;
+}
+
+ReadFlags::ReadFlags(CLI::App& command)
+    : format_(addOption(command, "--scan-format FORMAT", "format of the texts (default: the type's own)")),
+      convert_(addFlag(command, "--convert", "read the type's lossless conversion text (dates: day numbers) instead")),
+      lenient_(addFlag(command, "--lenient", "take whatever the type makes of a text, sense or not")),
+      text_(command) {}
+
+ReadOptions ReadFlags::options() const {
+  return {.format = text(*format_, ""),
+          .converted = convert_->count() > 0,
+          .lenient = lenient_->count() > 0,
+          .text = text_.options()};
 }
 
 CLI::Option* addType(CLI::App& command) {

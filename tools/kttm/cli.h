@@ -19,12 +19,25 @@ void addCompare(CLI::App& app);
 void addHash(CLI::App& app);
 void addSort(CLI::App& app);
 void addConvert(CLI::App& app);
+void addOrder(CLI::App& app);
+void addKey(CLI::App& app);
 
 // The parser takes "[a,b]" apart into two values, and forgets "--" where a list has begun. So arguments go through
 // guarded() before they are parsed and come back through the functions below: every text arrives as it was typed.
 std::vector<std::string> guarded(const std::vector<std::string>& arguments);
 std::vector<std::string> texts(const CLI::Option& option);          // what was given, one string each
 std::string text(const CLI::Option& option, const char* fallback);  // the only or last one
+
+// The options that say how texts become strings.
+class TextFlags {
+public:
+  explicit TextFlags(CLI::App& command);
+  TextOptions options() const;
+
+private:
+  CLI::Option* language_;
+  CLI::Option* codeSet_;
+};
 
 // The options that say how texts become values.
 class ReadFlags {
@@ -36,8 +49,7 @@ private:
   CLI::Option* format_;
   CLI::Option* convert_;
   CLI::Option* lenient_;
-  CLI::Option* language_;
-  CLI::Option* codeSet_;
+  TextFlags text_;
 };
 
 // name: "--format CODE" for an option with its value, "TYPE" for a positional.
