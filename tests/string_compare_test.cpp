@@ -2,6 +2,7 @@
 #include "text/str_compare.h"
 
 #include "ktstring.h"
+#include "kttypops.h"
 
 #include <gtest/gtest.h>
 
@@ -503,6 +504,49 @@ TEST(StringCompare, string_objects_use_their_own_code_sets) {
   a.SetLanguage(4);
   EXPECT_TRUE(a.EqualsIgnoreLanguage(b));
   EXPECT_FALSE(a == b);
+}
+
+TEST(StringCompare, strings_and_records_compare_as_their_texts) {
+  const auto stringOf = [](const Text& t) {
+    KtString s(reinterpret_cast<const unsigned short*>(t.unicode.data()),
+               static_cast<unsigned short>(t.unicode.size()));
+    s.MapToCodeSet(t.codeSet);
+    s.SetLanguage(t.language);
+    return s;
+  };
+  const auto recordOf = [](const Text& t, bool big) {
+    std::vector<char> record(4);
+    record.insert(record.end(), t.bytes.begin(), t.bytes.end());
+    for (std::size_t i = 4; !big && t.codeSet >= 225 && i < record.size(); i += 2) std::swap(record[i], record[i + 1]);
+    record[big ? 1 : 0] = static_cast<char>(record.size());
+    record[2] = static_cast<char>(t.codeSet);
+    record[3] = static_cast<char>(t.language);
+    record.insert(record.end(), {'\0', '\xFF'});
+    record.shrink_to_fit();
+    return record;
+  };
+  Generator random(5);
+  const Units marks = kLetters + u"\u2019\u1EA1\u83B0";
+  for (int round = 0; round < 20000; ++round) {
+    const Units start = random.below(2) != 0 ? random.characters(kLetters, 36) : Units();
+    const Units first = start + random.characters(marks, 12);
+    const Text a(first, random.pick(kCodeSets), random.pick(kLanguages));
+    const Text b(random.below(3) != 0 ? random.neighbour(first, marks) : start + random.characters(marks, 9), a.codeSet,
+                 random.below(8) != 0 ? a.language : 0);
+    const auto op = static_cast<unsigned short>(0x10 | (random.below(64) << 4));
+    const long expected = *Twin(a, b, op, -1).compare();
+    const KtString x = stringOf(a), y = stringOf(b);
+    EXPECT_EQ(x.Compare(y, -1, op), expected) << shown(a) << "\n" << shown(b) << "\nop " << op;
+    EXPECT_EQ(KtStrCmp(a.codeSet, a.language, x.StrGet(), b.codeSet, b.language, y.StrGet(), op, -1), expected);
+    for (const unsigned char format : std::initializer_list<unsigned char>{0, 2}) {
+      std::vector<char> r = recordOf(a, format == 2), q = recordOf(b, format == 2);
+      int status = 1;
+      EXPECT_EQ(StringCompare(format, r.size(), r.data(), q.size(), q.data(), op, 1, status), signOf(expected))
+          << shown(a) << "\n"
+          << shown(b) << "\nop " << op << " format " << int{format};
+      EXPECT_EQ(status, 0);
+    }
+  }
 }
 
 TEST(StringCompare, wildcard_characters_can_be_set) {

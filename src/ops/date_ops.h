@@ -145,10 +145,8 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count);
   static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
-  // Past the class: the value comes in a register, and goes into the run in one piece.
   static bool scan(void* value, const KtString& in, const char* format) {
-    const KtDateTime scanned = scanDateTime(in, format == nullptr ? kDateTimeFormat : format);
-    std::memcpy(value, &scanned, sizeof scanned);
+    scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
     return true;
   }
   static KtString toText(const KtDateTime& v);

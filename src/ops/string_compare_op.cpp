@@ -3,6 +3,7 @@
 #include "ops/string_key_compare.h"
 #include "ops/string_run.h"
 #include "ops/string_run_ops.h"
+#include "values/string_compare.h"
 
 #include <_ktnulty.h>
 
@@ -57,6 +58,7 @@ long compareKeyPair(const IndexKey& a, const IndexKey& b, unsigned cmpOp, int& s
 template <class Kind>
 [[gnu::noinline]] long compareMany(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                                    unsigned cmpOp, unsigned long count, int& status) {
+  status = 0;
   if (!isMemoryForm(format) && (format & kIndexKeyForm) != 0) {
     return compareStringRuns(
         KeyRun(a, lengthA, format), KeyRun(b, lengthB, format), count, status,
@@ -70,42 +72,50 @@ template <class Kind>
                            compareOne);
 }
 
-template <class Kind>
-long comparePair(TextRef x, TextRef y, unsigned cmpOp) {
-  Kind::see(x);
-  Kind::see(y);
-  return signOf(compareSized(x, y, cmpOp));
-}
-
 bool holdsCurrent(const Record& record, unsigned long length) {
   return record.size() <= knownLength(length) && !record.isOlder();
 }
 
-// One record against one, both in the current form: what a B-tree compares. False where they are anything else.
-template <class Kind>
-bool compareOneRecord(unsigned char format, unsigned long lengthA, const void* a, unsigned long lengthB, const void* b,
-                      unsigned cmpOp, long& result) {
-  if ((format & kIndexKeyForm) != 0 || knownLength(lengthA) < kEmptyRecord || knownLength(lengthB) < kEmptyRecord)
-    return false;
-  const Record x = recordAt(a, format);
-  const Record y = recordAt(b, format);
-  if (!holdsCurrent(x, lengthA) || !holdsCurrent(y, lengthB)) return false;
-  result = comparePair<Kind>(textOf(x, x.textBytes(), format), textOf(y, y.textBytes(), format), cmpOp);
-  return true;
+// One record against one, both in the current form and alike in code set and language: what a B-tree compares. 0 where
+// that does not decide.
+[[gnu::always_inline]] inline std::int32_t recordDifference(const Record& a, const Record& b, unsigned char format) {
+  if (a.codeSet() != b.codeSet() || a.language() != b.language()) return 0;
+  const unsigned codes = a.language() * 256u + a.codeSet();
+  const unsigned long bytesA = a.textBytes(), bytesB = b.textBytes();
+  if (const ByteWeights* table = usualByteWeights(codes))
+    return differenceInRecords<1>(a.text(), b.text(), bytesA, bytesB, *table);
+  const WideWeights* table = usualWideWeights(codes);
+  if (table == nullptr || unitsAreSwapped(lowCode(format))) return 0;
+  return differenceInRecords<2>(a.text(), b.text(), bytesA / 2, bytesB / 2, *table);
+}
+
+constexpr unsigned char kOtherForms = kMemoryForm | kIndexKeyForm | kCodeSetBits;
+
+bool holdsTwo(unsigned long lengthA, unsigned long lengthB, unsigned long least) {
+  return knownLength(lengthA) >= least && knownLength(lengthB) >= least;
 }
 
 }  // namespace
 
+// Usual texts are seen alike by every kind.
 template <class Kind>
 long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                     unsigned short options, unsigned long count, int& status) {
   const unsigned cmpOp = Kind::cmpOp(options);
-  status = 0;
-  if (count == 1) {
-    long result = 0;
-    if (format == kMemoryForm && (lengthA | lengthB) == 0)
-      return comparePair<Kind>(textOf(*static_cast<KtString*>(a), 0), textOf(*static_cast<KtString*>(b), 0), cmpOp);
-    if (!isMemoryForm(format) && compareOneRecord<Kind>(format, lengthA, a, lengthB, b, cmpOp, result)) return result;
+  if (count == 1 && isPlainOperator(cmpOp)) {
+    status = 0;
+    if (format == kMemoryForm && holdsTwo(lengthA, lengthB, sizeof(KtString))) {
+      const auto& x = *static_cast<const KtString*>(a);
+      const auto& y = *static_cast<const KtString*>(b);
+      if (const std::int32_t difference = stringDifference(x, y)) return signOf(difference);
+      long result;
+      if (compareAlike(x, y, cmpOp, result)) return signOf(result);
+    } else if ((format & kOtherForms) == 0 && holdsTwo(lengthA, lengthB, kEmptyRecord)) {
+      const Record x = recordAt(a, format);
+      const Record y = recordAt(b, format);
+      if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB))
+        if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
+    }
   }
   return compareMany<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
 }

@@ -5,10 +5,6 @@
 
 namespace kt {
 
-std::atomic<unsigned char> kindOfLanguage[256];
-std::atomic<const ByteWeights*> byteWeightTables[225][kKindSlots];
-std::atomic<const WideWeights*> wideWeightTables[kKindSlots];
-
 namespace {
 
 constexpr unsigned kCodeSets = 16;  // codes that 8-bit code sets resolve to are below this
@@ -43,7 +39,21 @@ WideWeights::Page buildPage(const KtUnicodeProps::Page& page, unsigned kind, Wei
   return {weights, 0};
 }
 
+Weight primaryOf(Weight weight, Weight significant) {
+  if (weight == kSeveralOrders) return kSeveral;
+  return weight == 0 || weight >= significant ? weight & ~kLevelMask : kIgnorable;
+}
+
 }  // namespace
+
+// Language 255 follows the default; 254, and code set 254, make nulls.
+void noteUsualTables(unsigned char codeSet, unsigned char language) {
+  if (language >= 254) return;
+  const unsigned char kind = collationKind(language);
+  if (codeSet - 1u < 224u)
+    usualByteTables[language * 256u + codeSet].store(byteWeights(codeSet, kind), std::memory_order_release);
+  if (codeSet - 225u < 29u) usualWideTables[language].store(wideWeights(kind), std::memory_order_release);
+}
 
 unsigned char findCollationKind(unsigned char language) {
   // 255 is not remembered: the default language may change.
@@ -73,6 +83,7 @@ const ByteWeights* buildByteWeights(unsigned char codeSet, unsigned char kind) {
     for (unsigned i = 0; i < 256; ++i) table.of[i] = collationKey(orders[i], kind);
     table.significant = firstSignificant(kind);
     table.kind = kind;
+    for (unsigned i = 0; i < 256; ++i) table.primary[i] = primaryOf(table.of[i], table.significant);
     ready = &table;
     resolved.store(ready, std::memory_order_release);
   }
@@ -90,6 +101,7 @@ const WideWeights* buildWideWeights(unsigned char kind) {
   for (unsigned i = 0; i < 256; ++i) table.page[i] = buildPage(source[i], kind, pageStorage[slot][i]);
   table.significant = firstSignificant(kind);
   table.kind = kind;
+  for (unsigned i = 0; i < kNearUnits; ++i) table.primary[i] = primaryOf(weightOf(table, i), table.significant);
   wideWeightTables[slot].store(&table, std::memory_order_release);
   return &table;
 }

@@ -63,18 +63,25 @@ constexpr std::int32_t keyDifference(Weight a, Weight b) { return static_cast<st
 // The weights of an 8-bit code set under one kind.
 struct ByteWeights {
   Weight of[256];
-  Weight significant;  // firstSignificant(kind)
+  Weight primary[256];  // without the lower levels; 0 for the end, kIgnorable for what is ignorable
+  Weight significant;   // firstSignificant(kind)
   unsigned char kind;
 };
 
+constexpr Weight kIgnorable = 1;  // no primary weight has these bits
+constexpr Weight kSeveral = 2;    // of a character with several orders
+
 // The weights of the 16-bit characters under one kind: of character c, page[c >> 8].weights[c & 255] +
 // page[c >> 8].offset.
+constexpr unsigned kNearUnits = 0x2100;  // the scripts of letters, and the marks of all texts
+
 struct WideWeights {
   struct Page {
     const Weight* weights;
     Weight offset;
   };
   Page page[256];
+  Weight primary[kNearUnits];  // as in ByteWeights; or kSeveral
   Weight significant;
   unsigned char kind;
 };
@@ -82,9 +89,15 @@ struct WideWeights {
 constexpr unsigned kKindSlots = 5;  // kinds 1 to 4, and kind 20 in slot 0
 constexpr unsigned kindSlot(unsigned kind) { return kind < kKindSlots ? kind : 0; }
 
-extern std::atomic<unsigned char> kindOfLanguage[256];  // 0: not asked for yet
-extern std::atomic<const ByteWeights*> byteWeightTables[225][kKindSlots];
-extern std::atomic<const WideWeights*> wideWeightTables[kKindSlots];
+// Defined here so that they are known to be this library's own: others are found by one more load.
+inline std::atomic<unsigned char> kindOfLanguage[256];  // 0: not asked for yet
+inline std::atomic<const ByteWeights*> byteWeightTables[225][kKindSlots];
+inline std::atomic<const WideWeights*> wideWeightTables[kKindSlots];
+
+// The tables of texts that are no null, under a code set and a language that stand for themselves; by language * 256 +
+// code set, and by language. Null as long as noteUsualTables was not called. Most of it is never touched.
+inline std::atomic<const ByteWeights*> usualByteTables[65536];
+inline std::atomic<const WideWeights*> usualWideTables[256];
 
 unsigned char findCollationKind(unsigned char language);
 const ByteWeights* buildByteWeights(unsigned char codeSet, unsigned char kind);
@@ -112,6 +125,16 @@ inline const WideWeights* wideWeights(unsigned char kind) {
   return table != nullptr ? table : buildWideWeights(kind);
 }
 
+void noteUsualTables(unsigned char codeSet, unsigned char language);
+
+// codes: language * 256 + code set. Null for texts that are not usual, too, and for those of the other form.
+inline const ByteWeights* usualByteWeights(unsigned codes) {
+  return usualByteTables[codes].load(std::memory_order_acquire);
+}
+inline const WideWeights* usualWideWeights(unsigned codes) {
+  return (codes & 255) - 225 < 29 ? usualWideTables[codes >> 8].load(std::memory_order_acquire) : nullptr;
+}
+
 // How far to rotate a 16-bit character as loaded from memory to get its number: 0 or 8 bits.
 constexpr int unitRotation(unsigned char flag) {
   if (flag == 1 || flag == 8 || flag == 255) return 0;
@@ -131,6 +154,10 @@ inline unsigned loadUnit(const char* text, unsigned long index, int rotation) {
   return static_cast<std::uint16_t>(unit << rotation | unit >> rotation);
 }
 
+inline Weight weightOf(const WideWeights& table, unsigned unit) {
+  const WideWeights::Page& page = table.page[unit >> 8];
+  return page.weights[unit & 255] + page.offset;
+}
 // --- cursors ------------------------------------------------------------------------------------------------------
 //
 // next() gives the weight of the next order, and 0, again and again, at the end of the text: a zero character, the end
@@ -209,11 +236,7 @@ public:
   unsigned long position() const { return position_; }
   unsigned long limit() const { return limit_; }
   const char* data() const { return text_; }
-  Weight weightAt(unsigned long index) const {
-    const unsigned unit = unitAt(index);
-    const WideWeights::Page& page = table_->page[unit >> 8];
-    return page.weights[unit & 255] + page.offset;
-  }
+  Weight weightAt(unsigned long index) const { return weightOf(*table_, unitAt(index)); }
   void moveTo(unsigned long position) { position_ = position; }
   bool sharesForm(const WideCursor& other) const { return table_ == other.table_ && rotation_ == other.rotation_; }
 

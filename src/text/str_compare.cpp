@@ -89,14 +89,17 @@ unsigned long commonPrefix(const Cursor& a, const Cursor& b, bool readable) {
   return equalPrefix<Cursor::kCharSize>(a.data(), b.data(), std::min(a.limit(), b.limit()), readable);
 }
 
+// Ignorable characters directly before the first difference belong to its step: of several, the last one counts.
+template <class Cursor>
+unsigned long stepBefore(unsigned long difference, const Cursor& cursor) {
+  while (difference > 0 && cursor.weightAt(difference - 1) < cursor.significant()) --difference;
+  return difference;
+}
+
 // In line wherever it is called: passing cursors by value through memory costs more than comparing a short name.
+// The characters before `start`, where a step begins, are the same on both sides.
 template <class A, class B>
-[[gnu::always_inline]] inline long compareLevels(A a, B b, unsigned cmpOp, bool readable) {
-  unsigned long start = commonPrefix(a, b, readable);
-  if (start < a.limit() && start < b.limit())
-    if (const std::int32_t primary = significantDifference(a, b, start)) return primary;
-  // Ignorable characters directly before the first difference belong to its step: of several, the last one counts.
-  while (start > 0 && a.weightAt(start - 1) < a.significant()) --start;
+[[gnu::always_inline]] inline long compareSteps(A a, B b, unsigned cmpOp, unsigned long start) {
   a.moveTo(start);
   b.moveTo(start);
   LevelDifferences differences;
@@ -113,6 +116,58 @@ template <class A, class B>
     if (const std::int32_t primary = primaryDifference(k1, k2)) return primary;
     differences.note(k1, k2);
   }
+}
+
+template <class A, class B>
+[[gnu::always_inline]] inline long compareLevels(const A& a, const B& b, unsigned cmpOp, bool readable) {
+  return compareSteps(a, b, cmpOp, stepBefore(commonPrefix(a, b, readable), a));
+}
+
+// As differenceAt, but passes over one ignorable character on either side: whatever it counts, a primary difference
+// behind it comes first.
+template <class Cursor>
+std::int32_t differenceBehind(unsigned long index, const Cursor& a, const Cursor& b) {
+  const Weight k1 = primaryAt(*a.table(), a.data(), index);
+  const Weight k2 = primaryAt(*b.table(), b.data(), index);
+  return decidedDifference(primaryAt(*a.table(), a.data(), index + (k1 & kIgnorable)),
+                           primaryAt(*b.table(), b.data(), index + (k2 & kIgnorable)));
+}
+
+// Texts of one form in host order that are alike before `start`.
+template <class Cursor>
+[[gnu::always_inline]] inline long compareFrom(unsigned long start, const Cursor& a, const Cursor& b, unsigned cmpOp) {
+  if (const std::int32_t primary = differenceBehind(start, a, b)) return primary;
+  return compareSteps(a, b, cmpOp, stepBefore(start, a));
+}
+
+// What a primary difference decides, or 0, and then the place of the first difference of any kind. As long as both texts
+// have letters that differ in case or diacritics only, they stay in step, and the masks show where to look next.
+template <class Cursor>
+[[gnu::always_inline]] inline std::int32_t differenceInStep(const Cursor& a, const Cursor& b, unsigned long& first) {
+  constexpr unsigned long kSize = Cursor::kCharSize;
+  constexpr std::uint32_t kCharacter = (1u << kSize) - 1;
+  const unsigned long end = std::min(a.limit(), b.limit());
+  first = end;
+  for (unsigned long base = 0; base <= end * kSize; base += kFirstBytes) {
+    std::uint32_t mask = differences16<kSize>(a.data() + base, b.data() + base);
+    while (mask != 0) {
+      const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(kSize) - 1);
+      const unsigned long at = (base + bit) / kSize;
+      first = std::min(first, at);
+      const Weight k1 = primaryAt(*a.table(), a.data(), at);
+      if (k1 != primaryAt(*b.table(), b.data(), at) || (k1 & kLevelMask) != 0) return differenceBehind(at, a, b);
+      if (k1 == 0) return 0;
+      mask &= ~(kCharacter << bit);
+    }
+  }
+  return 0;
+}
+
+template <class Cursor>
+[[gnu::always_inline]] inline long compareBlocks(const Cursor& a, const Cursor& b, unsigned cmpOp) {
+  unsigned long first;
+  if (const std::int32_t primary = differenceInStep(a, b, first)) return primary;
+  return compareSteps(a, b, cmpOp, stepBefore(first, a));
 }
 
 template <class A, class B>
@@ -159,24 +214,27 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 
 }  // namespace
 
-long compareNarrow(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const ByteWeights* tableA,
-                   const ByteWeights* tableB, unsigned cmpOp) {
-  const bool readable = isReadable(limitA) && isReadable(limitB);
-  return compareLevels(ByteCursor(a, limitA, tableA), ByteCursor(b, limitB, tableB), cmpOp, readable);
+long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
+long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
+
+long compareTerminated(const char* a, const char* b, const ByteWeights& table, unsigned cmpOp) {
+  const unsigned long start = equalPrefix<1>(a, b, TextRef::kToTerminator, false);
+  return compareFrom(start, ByteCursor(a, TextRef::kToTerminator, &table),
+                     ByteCursor(b, TextRef::kToTerminator, &table), cmpOp);
 }
 
-long compareWide(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const WideWeights* tableA,
-                 const WideWeights* tableB, unsigned cmpOp, int rotationA, int rotationB) {
-  const bool readable = isReadable(limitA) && isReadable(limitB);
-  return compareLevels(WideCursor(a, limitA, tableA, rotationA), WideCursor(b, limitB, tableB, rotationB), cmpOp,
-                       readable);
+long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp) {
+  const unsigned long start = equalPrefix<2>(a, b, TextRef::kToTerminator, false);
+  return compareFrom(start, WideCursor(a, TextRef::kToTerminator, &table, 0),
+                     WideCursor(b, TextRef::kToTerminator, &table, 0), cmpOp);
 }
 
-long compareTextsInFull(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {
+long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {
   if (a.isNull() || b.isNull()) {
     if (b.isNull()) return a.isNull() ? 0 : 1;
     if ((cmpOp & (kNoWildcards | kBinaryOrder)) != 0) return -1;
   }
+  noteUsualTables(a.codeSet, a.language);
   if (length == 0 || length < -1) return 0;
   const unsigned long limit = lengthLimit(length);
   if ((a.codeSet | b.codeSet) == 0) return compareRaw(a, b, cmpOp, limit);

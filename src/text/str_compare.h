@@ -2,7 +2,7 @@
 #ifndef KT_STR_COMPARE_H
 #define KT_STR_COMPARE_H
 
-#include "order_cursor.h"
+#include "first_difference.h"
 
 namespace kt {
 
@@ -18,66 +18,95 @@ constexpr std::int32_t primaryDifference(Weight k1, Weight k2) {
   return keyDifference(k1 & ~kLevelMask, k2 & ~kLevelMask);
 }
 
-// The general case; the parameters are those of compareTexts.
-long compareTextsInFull(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report);
+// --- the usual comparison: two texts of one form, whole, without wildcards ------------------------------------------
+//
+// Most pairs are decided by the primary weights of their first difference, whatever the operator and whatever the two
+// characters' case and diacritics. That much is in line in every function that compares strings; 0 leaves the rest to
+// functions that begin anew.
 
-// Three levels without wildcards. The parts of the cursors travel one by one, in registers.
-long compareNarrow(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const ByteWeights* tableA,
-                   const ByteWeights* tableB, unsigned cmpOp);
-long compareWide(const char* a, const char* b, unsigned long limitA, unsigned long limitB, const WideWeights* tableA,
-                 const WideWeights* tableB, unsigned cmpOp, int rotationA, int rotationB);
+constexpr bool isPlainOperator(unsigned cmpOp) { return (cmpOp & (kNoWildcards | kBinaryOrder)) == kNoWildcards; }
 
-inline long compareCursors(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) {
-  return compareNarrow(a.data(), b.data(), a.limit(), b.limit(), a.table(), b.table(), cmpOp);
+// As WideWeights::primary, of the characters behind.
+inline Weight farPrimary(const WideWeights& table, unsigned unit) {
+  const Weight weight = weightOf(table, unit);
+  return weight >= table.significant && weight != kSeveralOrders ? weight & ~kLevelMask : kSeveral;
 }
 
-inline long compareCursors(const WideCursor& a, const WideCursor& b, unsigned cmpOp) {
-  return compareWide(a.data(), b.data(), a.limit(), b.limit(), a.table(), b.table(), cmpOp, a.rotation(), b.rotation());
+// Primary weights of single characters, with the marks of those that do not decide.
+[[gnu::always_inline]] inline Weight primaryAt(const ByteWeights& table, const char* text, unsigned long index) {
+  return table.primary[static_cast<unsigned char>(text[index])];
+}
+[[gnu::always_inline]] inline Weight primaryAt(const WideWeights& table, const char* text, unsigned long index) {
+  const unsigned unit = loadUnit(text, index, 0);
+  if (unit < kNearUnits) [[likely]]
+    return table.primary[unit];
+  return farPrimary(table, unit);
 }
 
-// The primary difference of the characters at an index of both texts, which decides whatever stands before them is
-// equal or ignorable; 0 where there is none or either is ignorable. The texts must be longer.
-template <class A, class B>
-inline std::int32_t significantDifference(const A& a, const B& b, unsigned long index) {
-  const Weight k1 = a.weightAt(index);
-  const Weight k2 = b.weightAt(index);
-  return k1 >= a.significant() && k2 >= b.significant() ? primaryDifference(k1, k2) : 0;
+// A primary difference, or 0 where either character decides nothing.
+[[gnu::always_inline]] inline std::int32_t decidedDifference(Weight k1, Weight k2) {
+  return ((k1 | k2) & kLevelMask) == 0 ? keyDifference(k1, k2) : 0;
 }
 
-// The commonest comparison, in line up to the first character: there most pairs that are no neighbours differ.
-template <class Cursor>
-[[gnu::always_inline]] inline long compareFromFirst(const TextRef& a, const TextRef& b, unsigned cmpOp) {
-  const Cursor x(a, TextRef::kToTerminator, collationKind(a.language));
-  const Cursor y(b, TextRef::kToTerminator, collationKind(b.language));
-  if (x.limit() != 0 && y.limit() != 0)
-    if (const std::int32_t primary = significantDifference(x, y, 0)) return primary;
-  return compareCursors(x, y, cmpOp);
+// The primary difference at an index that the texts are alike before, which decides; 0 where it is not found there.
+template <class Table>
+[[gnu::always_inline]] inline std::int32_t differenceAt(unsigned long index, const char* a, const char* b,
+                                                        const Table& table) {
+  return decidedDifference(primaryAt(table, a, index), primaryAt(table, b, index));
 }
 
-// Neither null nor under a stand-in for a code set.
-constexpr bool isPlainNarrow(const TextRef& t) { return t.codeSet - 1u < 224u && t.language != 254; }
-constexpr bool isPlainWide(const TextRef& t) { return t.codeSet - 225u < 29u && t.language != 254; }
-
-// Whether comparePlain may do the work of compareTexts.
-constexpr bool isPlainComparison(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, const int* report) {
-  if ((cmpOp & (kNoWildcards | kBinaryOrder)) != kNoWildcards || length != -1 || report != nullptr) return false;
-  return (isPlainNarrow(a) && isPlainNarrow(b)) || (isPlainWide(a) && isPlainWide(b));
+// Of texts at the beginning of blocks of 16 bytes or more, with a terminator. 0: not decided.
+template <unsigned long charSize, class Table>
+[[gnu::always_inline]] inline std::int32_t differenceInBlocks(const char* a, const char* b, const Table& table) {
+  const std::uint32_t mask = differences16<charSize>(a, b);
+  return mask != 0 ? differenceAt(lowestBit(mask) / charSize, a, b, table) : 0;
 }
 
-// In line: through memory the parts of a TextRef would cost more than the rest.
-[[gnu::always_inline]] inline long comparePlain(const TextRef& a, const TextRef& b, unsigned cmpOp) {
-  return isPlainNarrow(a) ? compareFromFirst<ByteCursor>(a, b, cmpOp) : compareFromFirst<WideCursor>(a, b, cmpOp);
+// The whole comparison of such texts, in blocks that hold what lies in the same 16 bytes as the terminator.
+long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
+long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp);
+
+// Of terminated texts wherever they lie.
+long compareTerminated(const char* a, const char* b, const ByteWeights& table, unsigned cmpOp);
+long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp);
+
+// Of texts that have kBytesBefore readable bytes before them and two behind, and no terminator. 0: not decided.
+template <unsigned long charSize, class Table>
+[[gnu::always_inline]] inline std::int32_t differenceInRecords(const char* a, const char* b, unsigned long limitA,
+                                                               unsigned long limitB, const Table& table) {
+  constexpr std::uint32_t kCharacter = (1u << charSize) - 1;
+  const auto primary = [&table](const char* text, unsigned long at, unsigned long limit) {
+    const Weight weight = primaryAt(table, text, at);
+    return at < limit ? weight : 0;
+  };
+  const unsigned long end = std::min({limitA * charSize, limitB * charSize, kFirstBytes});
+  if (end < kBytesBefore) return 0;
+  if (const std::int32_t difference = differenceAt(0, a, b, table)) return difference;  // far apart
+  std::uint32_t mask = differencesBefore<charSize>(a, b, end) | 1u << end;
+  do {  // as long as the texts stay in step: they differ in case or diacritics only
+    const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(charSize) - 1);
+    const unsigned long at = bit / charSize;
+    const Weight k1 = primary(a, at, limitA);
+    const Weight k2 = primary(b, at, limitB);
+    if (k1 != k2) {
+      if (((k1 | k2) & kLevelMask) == 0) return keyDifference(k1, k2);
+      const unsigned long i = at + (k1 & kIgnorable), j = at + (k2 & kIgnorable);
+      return i <= limitA && j <= limitB ? decidedDifference(primary(a, i, limitA), primary(b, j, limitB)) : 0;
+    }
+    if (k1 == 0 || (k1 & kLevelMask) != 0) return 0;
+    mask &= ~(kCharacter << bit);
+  } while (mask != 0);
+  return 0;
 }
+
+// --- every comparison -----------------------------------------------------------------------------------------------
 
 // Compares a with b; only b's wildcards act. Negative, 0, positive: the exact difference of the level that decides.
 //   cmpOp: the bits above. length: at most that many characters of each side, -1 for the whole texts, 0 and other
 //   negative values compare equal. report: may be null; under 0x80 receives the last primary difference.
 // Null texts: equal to each other; a null before every other text under 0x10 or 0x100; a null b always before a.
 // Both with code set 0: bytes, or a byte pattern without 0x10 and 0x100. Pure.
-inline long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report = nullptr) {
-  if (isPlainComparison(a, b, cmpOp, length, report)) return comparePlain(a, b, cmpOp);
-  return compareTextsInFull(a, b, cmpOp, length, report);
-}
+long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report = nullptr);
 
 }  // namespace kt
 

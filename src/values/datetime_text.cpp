@@ -331,11 +331,10 @@ constexpr Fields kNullFields = {-32768, -128, -128, -128, -128, -128};
 // The scanned fields become those of a value by finish(fields), in one function, so that they need not leave the
 // registers.
 template <class Finish>
-inline KtDateTime scanFrom(const KtString& in, const char* format, const Fields& start, Finish finish) {
+inline std::uint64_t scanFrom(const KtString& in, const char* format, const Fields& start, Finish finish) {
   const NarrowText text(in);
-  std::uint64_t bytes = kNullFields.packed();
-  if (!text.beginsWith(NarrowText(nullPrintString()))) bytes = finish(Scanner(text, start).scan(format));
-  return std::bit_cast<KtDateTime>(bytes);
+  if (text.beginsWith(NarrowText(nullPrintString()))) return kNullFields.packed();
+  return finish(Scanner(text, start).scan(format));
 }
 
 }  // namespace
@@ -348,16 +347,23 @@ KtString& printDateTime(KtString& out, const KtDateTime& value, const char* form
   return out;
 }
 
-KtDateTime scanDateTime(const KtString& in, const char* format) {
-  return scanFrom(in, format, Fields(), [](const Fields& fields) {
+void scanDateTime(const KtString& in, const char* format, void* value) {
+  const std::uint64_t bytes = scanFrom(in, format, Fields(), [](const Fields& fields) {
     return fields.isValid() || fields.isZero() ? fields.packed() : Fields().packed();
   });
+  std::memcpy(value, &bytes, sizeof bytes);
+}
+
+KtDateTime scanDateTime(const KtString& in, const char* format) {
+  std::uint64_t bytes;
+  scanDateTime(in, format, &bytes);
+  return std::bit_cast<KtDateTime>(bytes);
 }
 
 KtDateTime scanPeriod(const KtString& in, const char* format) {
   Fields start;
   start.day = 0;
-  return scanFrom(in, format, start, [](const Fields& fields) { return fields.packed(); });
+  return std::bit_cast<KtDateTime>(scanFrom(in, format, start, [](const Fields& fields) { return fields.packed(); }));
 }
 
 }  // namespace kt

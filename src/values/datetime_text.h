@@ -23,6 +23,8 @@ KtString& printDateTime(KtString& out, const KtDateTime& value, const char* form
 
 // What the text holds; null when it begins with the null print string; a valid value or 0000-00-00 00:00:00 else.
 KtDateTime scanDateTime(const KtString& in, const char* format);
+// The same into the 8 bytes at value, which need no alignment.
+void scanDateTime(const KtString& in, const char* format, void* value);
 
 // The same from day 0 instead of day 1, and without a check: a period of time, its fields as they were read.
 KtDateTime scanPeriod(const KtString& in, const char* format);

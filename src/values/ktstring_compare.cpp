@@ -1,7 +1,5 @@
 // ktstring_compare.cpp - comparison and hashing of strings: covers over the text core.
-#include "ktstring.h"
-
-#include "text/str_compare.h"
+#include "string_compare.h"
 #include "text/str_hash.h"
 #include "text/str_pattern.h"
 
@@ -24,7 +22,24 @@ unsigned operatorBits(unsigned short cmpOp) {
   return cmpOp != KtCMP_DEFAULT ? cmpOp : KtLanguageContext::GetDefaultCmpOp();
 }
 
-long compareByDefault(const KtString& a, const KtString& b) { return a.Compare(b); }
+// In a function of its own, so that the short way needs no stack frame. cmpOp may be the stand-in for the default one.
+[[gnu::noinline]] long compareUndecided(const KtString& a, const KtString& b, short length, unsigned short cmpOp) {
+  const unsigned bits = operatorBits(cmpOp);
+  long result;
+  if (length == -1 && kt::isPlainOperator(bits) && kt::compareAlike(a, b, bits, result)) return result;
+  return kt::compareTexts(refOf(a, a.language), refOf(b, b.language), bits, length);
+}
+
+[[gnu::always_inline]] inline long compareStrings(const KtString& a, const KtString& b, short length,
+                                                  unsigned short cmpOp) {
+  if (length == -1 && kt::isPlainOperator(cmpOp))
+    if (const std::int32_t difference = kt::stringDifference(a, b)) return difference;
+  return compareUndecided(a, b, length, cmpOp);
+}
+
+[[gnu::always_inline]] inline long compareByDefault(const KtString& a, const KtString& b) {
+  return compareStrings(a, b, -1, KtLanguageContext::GetDefaultCmpOp());
+}
 
 // The same arguments again, so that KtStrCmp jumps here and needs no stack frame on its short way.
 [[gnu::noinline]] long compareInFull(unsigned char codeSet1, unsigned char language1, const char* s1,
@@ -32,7 +47,7 @@ long compareByDefault(const KtString& a, const KtString& b) { return a.Compare(b
                                      unsigned short cmpOp, short length, unsigned char flag, int* report) {
   const kt::TextRef a{s1, kt::TextRef::kToTerminator, codeSet1, language1, flag};
   const kt::TextRef b{s2, kt::TextRef::kToTerminator, codeSet2, language2, flag};
-  return kt::compareTextsInFull(a, b, cmpOp, length, report);
+  return kt::compareTexts(a, b, cmpOp, length, report);
 }
 
 int setWildcard(kt::Wildcard wildcard, const KtChar& ch) {
@@ -46,12 +61,33 @@ int setWildcard(kt::Wildcard wildcard, const KtChar& ch) {
 
 }  // namespace
 
+namespace kt {
+
+bool compareAlike(const KtString& a, const KtString& b, unsigned cmpOp, long& result) {
+  const StringFields x(a), y(b);
+  if (!areAlike(x, y)) return false;
+  if (const ByteWeights* table = usualByteWeights(x.codes())) {
+    result =
+        compareInBlocks(ByteCursor(a.buffer, x.size() - 1, table), ByteCursor(b.buffer, y.size() - 1, table), cmpOp);
+    return true;
+  }
+  const WideWeights* table = usualWideWeights(x.codes());
+  const unsigned long unitsA = x.size() / 2, unitsB = y.size() / 2;
+  if (table == nullptr || !endsBySize(a, unitsA) || !endsBySize(b, unitsB)) return false;
+  result =
+      compareInBlocks(WideCursor(a.buffer, unitsA - 1, table, 0), WideCursor(b.buffer, unitsB - 1, table, 0), cmpOp);
+  return true;
+}
+
+}  // namespace kt
+
 int KtString::SetAsterisk(const KtChar& ch) { return setWildcard(kt::Wildcard::kAsterisk, ch); }
 int KtString::SetQuestion(const KtChar& ch) { return setWildcard(kt::Wildcard::kQuestion, ch); }
 int KtString::SetEscape(const KtChar& ch) { return setWildcard(kt::Wildcard::kEscape, ch); }
 
 long KtString::Compare(const KtString& other, short length, unsigned short cmpOp) const {
-  return kt::compareTexts(refOf(*this, language), refOf(other, other.language), operatorBits(cmpOp), length);
+  static_assert(!kt::isPlainOperator(KtCMP_DEFAULT), "compareUndecided looks at it");
+  return compareStrings(*this, other, length, cmpOp);
 }
 
 int KtString::EqualsIgnoreLanguage(const KtString& other) const {
@@ -69,9 +105,18 @@ int operator>=(const KtString& a, const KtString& b) { return compareByDefault(a
 long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,
               unsigned char language2, const char* s2, unsigned short cmpOp, short length, unsigned char flag,
               int* report) {
-  const kt::TextRef a{s1, kt::TextRef::kToTerminator, codeSet1, language1, flag};
-  const kt::TextRef b{s2, kt::TextRef::kToTerminator, codeSet2, language2, flag};
-  if (kt::isPlainComparison(a, b, cmpOp, length, report)) return kt::comparePlain(a, b, cmpOp);
+  if (length == -1 && report == nullptr && kt::isPlainOperator(cmpOp) && codeSet1 == codeSet2 &&
+      language1 == language2 && s1 != nullptr && s2 != nullptr) {
+    const unsigned codes = language1 * 256u + codeSet1;
+    if (const kt::ByteWeights* table = kt::usualByteWeights(codes)) {
+      if (const std::int32_t difference = kt::differenceAt(0, s1, s2, *table)) return difference;
+      return kt::compareTerminated(s1, s2, *table, cmpOp);
+    }
+    if (const kt::WideWeights* table = kt::unitRotation(flag) == 0 ? kt::usualWideWeights(codes) : nullptr) {
+      if (const std::int32_t difference = kt::differenceAt(0, s1, s2, *table)) return difference;
+      return kt::compareTerminated(s1, s2, *table, cmpOp);
+    }
+  }
   return compareInFull(codeSet1, language1, s1, codeSet2, language2, s2, cmpOp, length, flag, report);
 }
 
