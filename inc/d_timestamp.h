@@ -34,9 +34,10 @@ public:
   explicit d_Timestamp(short year, unsigned short month = 1, unsigned short day = 1, unsigned short hour = 0,
                        unsigned short minute = 0, float second = 0);  // in the default zone
   d_Timestamp(const d_Date& aDate, const d_Time& aTime) : date(aDate), time(aTime) {}
-  explicit d_Timestamp(const d_Date& aDate);         // its midnight in the default zone
-  explicit d_Timestamp(const KtDateTime& dateTime);  // in the default zone
-  d_Timestamp& operator=(const d_Date& aDate);       // its midnight in the default zone
+  explicit d_Timestamp(const d_Date& aDate);    // its midnight in the default zone
+  d_Timestamp(const KtDateTime& dateTime);      // in the default zone
+  d_Timestamp& operator=(const d_Date& aDate);  // its midnight in the default zone
+  d_Timestamp& operator=(const KtDateTime& dateTime) { return *this = d_Timestamp(dateTime); }
 
   static d_Timestamp current();  // as d_Timestamp()
 

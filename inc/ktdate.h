@@ -130,6 +130,7 @@ public:
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 
 private:
+  constexpr KtDate& farDateabs(std::uint32_t count);
   static constexpr unsigned long magnitude(long a) {
     return a < 0 ? 0 - static_cast<unsigned long>(a) : static_cast<unsigned long>(a);
   }
@@ -148,18 +149,47 @@ private:
 static_assert(sizeof(KtDate) == 4 && alignof(KtDate) == 2 && std::is_trivially_copyable_v<KtDate>);
 static_assert(offsetof(KtDate, year) == 0 && offsetof(KtDate, month) == 2 && offsetof(KtDate, day) == 3);
 
-// The rule of Fliegel and Van Flandern. Quotients are cut toward zero, which shows for years before -4800.
+// The rule of Fliegel and Van Flandern. Quotients are cut toward zero, which shows for years before -4800. All others
+// are counted without signs, which makes the divisions by constants cheaper.
 constexpr long KtDate::dayabs() const {
+  if (month >= 1 && month <= 12 && year > -4800) [[likely]] {
+    const bool early = month <= 2;
+    const auto b = static_cast<unsigned>(year + 4800 - early);
+    const auto c = static_cast<unsigned>(month - 2 + (early ? 12 : 0));
+    const unsigned days = 1461 * b / 4 + 367 * c / 12 - 3 * (b / 100 + 1) / 4;
+    return static_cast<int>(days) + day - 32075;
+  }
   const int a = (month - 14) / 12;   // -1 in January and February, else 0, for months 1 to 13
   const int b = year + a + 4800;     // -27,980 to 37,567
   const int c = month - 2 - 12 * a;  // 1 in March to 12 in February
   return 1461 * b / 4 + 367 * c / 12 - 3 * ((b + 100) / 100) / 4 + day - 32075;
 }
 
+// Years begin in March, so that leap days end them; day 0 is -4900-03-01. Divisions are multiplications whose low half
+// is the remainder, scaled.
 constexpr KtDate& KtDate::dateabs(long dayNumber) {
+  constexpr std::uint32_t kDaysOf400 = 146097;
+  const std::uint32_t count = static_cast<std::uint32_t>(dayNumber) + 68569u;
+  if (count >= 1u << 29) [[unlikely]]
+    return farDateabs(count);
+  const std::uint32_t quarters = 4 * (count + 3 * (kDaysOf400 / 4)) + 3;  // from -5200-03-01 on
+  const std::uint32_t century = quarters / kDaysOf400;
+  const std::uint32_t inCentury = quarters % kDaysOf400 | 3;
+  const std::uint64_t years = std::uint64_t{2939745} * inCentury;  // 2^32 / 1461, rounded up
+  const auto dayOfYear = static_cast<std::uint32_t>(years) / 2939745 / 4;
+  const std::uint32_t months = 2141 * dayOfYear + 197913;  // 2^16 / 30.6
+  const bool isNextYear = dayOfYear >= 306;
+  day = static_cast<std::int8_t>((months & 0xFFFF) / 2141 + 1);
+  month = static_cast<std::int8_t>((months >> 16) - (isNextYear ? 12 : 0));
+  year = static_cast<std::int16_t>(100 * century + static_cast<std::uint32_t>(years >> 32) - 5200 + isNextYear);
+  return *this;
+}
+
+// The rule of Fliegel and Van Flandern, which wraps and cuts quotients toward zero, for numbers far off.
+constexpr KtDate& KtDate::farDateabs(std::uint32_t count) {
   using kt::wrapped;
   const auto u = [](std::int32_t number) { return static_cast<std::uint32_t>(number); };
-  std::int32_t l = wrapped(u(kt::stored32(dayNumber)) + 68569u);
+  std::int32_t l = wrapped(count);
   const std::int32_t n = wrapped(4u * u(l)) / 146097;             // centuries of 400 years
   l = wrapped(u(l) - u((146097 * n + 3) / 4));                    // day in the century: 0 to 36,524
   const std::int32_t i = wrapped(4000u * (u(l) + 1u)) / 1461001;  // year in it: 0 to 99

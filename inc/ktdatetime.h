@@ -4,6 +4,7 @@
 
 #include "ktapi.h"
 #include "ktdate.h"
+#include "ktlongcmp.h"
 #include "kttime.h"
 
 #include <cstddef>
@@ -16,7 +17,9 @@ class KtString;
 //
 // Range:  any fields; IsDaTime tells the dates and times that exist.
 // Null:   date and time both null. Null() is something else: all fields 0, and not null.
-// Order:  the dates as KtDate's != compares them (-1 fields match any), then the times. == compares all fields.
+// Order:  != is a three-way comparison: the dates as KtDate's != compares them (-1 fields match any), then the times;
+//         <, >, <= and >= go by it. == compares all fields. Against a lone date or time a value is compared with what
+//         the constructors make of that: the rest comes from the clock.
 // Size:   8 bytes; the last is padding and never counts.
 // Disk:   7 bytes: the year in the byte order of the format code, month, day, hour, minute, second.
 // Text:   by a format, see ktdate.h; "%Y-%m-%dT%H:%M:%S" when it is null. The row's: "%a %e.%b %Y %I:%M:%S %p".
@@ -65,12 +68,35 @@ public:
   }
   constexpr int Compare(const KtDateTime& other) const { return *this != other; }
   constexpr int operator==(const KtDateTime& other) const { return date == other.date && time == other.time; }
+  constexpr int operator<(const KtDateTime& other) const { return (*this != other) < 0; }
+  constexpr int operator>(const KtDateTime& other) const { return (*this != other) > 0; }
+  constexpr int operator<=(const KtDateTime& other) const { return (*this != other) <= 0; }
+  constexpr int operator>=(const KtDateTime& other) const { return (*this != other) >= 0; }
 
   // --- text -------------------------------------------------------------------------------------------------------
   // Appends the value to out; null replaces out by the null print string. Returns out.
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };
+
+// With a lone date or time on either side. Said for both orders, or d_Date, to which dates and date-times convert as
+// well, would compare them without their times.
+// clang-format off: one operator a line
+#define KT_COMPARE_WITH_PART(op)                                                                             \
+  template <class Part>                                                                                      \
+    requires(kt::kCountsAsLong<Part>)                                                                        \
+  int operator op(const KtDateTime& value, const Part& part) { return value.operator op(KtDateTime(part)); } \
+  template <class Part>                                                                                      \
+    requires(kt::kCountsAsLong<Part>)                                                                        \
+  int operator op(const Part& part, const KtDateTime& value) { return KtDateTime(part).operator op(value); }
+KT_COMPARE_WITH_PART(==)
+KT_COMPARE_WITH_PART(!=)
+KT_COMPARE_WITH_PART(<)
+KT_COMPARE_WITH_PART(>)
+KT_COMPARE_WITH_PART(<=)
+KT_COMPARE_WITH_PART(>=)
+#undef KT_COMPARE_WITH_PART
+// clang-format on
 
 static_assert(sizeof(KtDateTime) == 8 && alignof(KtDateTime) == 2 && std::is_trivially_copyable_v<KtDateTime>);
 static_assert(offsetof(KtDateTime, date) == 0 && offsetof(KtDateTime, time) == 4);

@@ -68,6 +68,53 @@ TEST(DateOps, disk_forms_are_packed_and_only_years_have_a_byte_order) {
   }
 }
 
+// The worked examples of docs/formats.md.
+TEST(DateOps, documented_examples_have_their_bytes_and_hashes) {
+  struct Case {
+    char id;
+    Bytes value, big, little;
+    unsigned long hash;  // 0: none given
+  };
+  const KtDateTime stamp = at(2005, 6, 28, 14, 5, 9);
+  KtDateTime null = stamp;
+  null.SetNullValue();
+  const d_Date ides(-43, 3, 15);
+  const d_Time time(14, 5, 9.25F, -3, -30);
+  const Bytes timeBytes = {0xFD, 0xE2, 0x0E, 5, 9, 0x19};
+  const Case cases[] = {
+      {KT_ID_KtDate, bytesOf(stamp.date), {7, 0xD5, 6, 0x1C}, {0xD5, 7, 6, 0x1C}, 0x133821EC},
+      {KT_ID_KtDate, bytesOf(null.date), {0x80, 0, 0x80, 0x80}, {0, 0x80, 0x80, 0x80}, 0},
+      {KT_ID_KtDate, bytesOf(KtDate(-1, 6, 28)), {0xFF, 0xFF, 6, 0x1C}, {0xFF, 0xFF, 6, 0x1C}, 0},
+      {KT_ID_KtTime, bytesOf(stamp.time), {0x0E, 5, 9}, {0x0E, 5, 9}, 0x7976E2D5},
+      {KT_ID_KtTime, bytesOf(null.time), {0x80, 0x80, 0x80}, {0x80, 0x80, 0x80}, 0},
+      {KT_ID_KtDateTime, bytesOf(stamp), {7, 0xD5, 6, 0x1C, 14, 5, 9}, {0xD5, 7, 6, 0x1C, 14, 5, 9}, 0xCA6EB5F1},
+      {KT_ID_KtDateTime,
+       bytesOf(null),
+       {0x80, 0, 0x80, 0x80, 0x80, 0x80, 0x80},
+       {0, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80},
+       0},
+      {KT_ID_d_Date, bytesOf(ides), {0xFF, 0xD5, 3, 0x0F}, {0xD5, 0xFF, 3, 0x0F}, 0x013ADF63},
+      {KT_ID_d_Time, bytesOf(time), timeBytes, timeBytes, 0x4B917955},
+      {KT_ID_d_Timestamp,
+       bytesOf(d_Timestamp(ides, time)),
+       {0xFF, 0xD5, 3, 0x0F, 0xFD, 0xE2, 0x0E, 5, 9, 0x19},
+       {0xD5, 0xFF, 3, 0x0F, 0xFD, 0xE2, 0x0E, 5, 9, 0x19},
+       0x8C9DFB0E},
+      {KT_ID_d_Interval, bytesOf(d_Interval(1, 12)), {0x47, 0xFD, 0x20, 0}, {0, 0x20, 0xFD, 0x47}, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(mgr.NameGet(c.id, nullptr));
+    Bytes big = stored(c.id, c.value, 2);
+    Bytes little = stored(c.id, c.value, 0);
+    EXPECT_EQ(big, c.big);
+    EXPECT_EQ(little, c.little);
+    if (c.hash == 0) continue;
+    int status;
+    EXPECT_EQ(mgr.Hash(c.id, 0, big.data(), 1, 2, status), c.hash);
+    EXPECT_EQ(mgr.Hash(c.id, 0, little.data(), 1, 0, status), c.hash);
+  }
+}
+
 // Values of a type: random bytes, so that every sign occurs, or fields that are never negative.
 Bytes randomRun(char id, unsigned long count, bool small) {
   std::mt19937 random(static_cast<unsigned>(id) + small);

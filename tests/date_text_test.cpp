@@ -192,4 +192,22 @@ TEST(DateText, what_is_printed_scans_back) {
   }
 }
 
+// Also where the text that is there ends near the end of its block.
+TEST(DateText, printing_appends_to_texts_of_every_length) {
+  for (unsigned length = 0; length <= 200; ++length) {
+    const std::string front(length, '-');
+    KtString text(front.c_str());
+    at(2005, 9, 28, 13, 5, 9).PrintToKtString(text, "%Y%A%B%I %p");
+    ASSERT_EQ(text.StrGet(), front + "2005WednesdaySeptember01 pm");
+    text += "!";
+    ASSERT_EQ(text.StrGet(), front + "2005WednesdaySeptember01 pm!");
+  }
+}
+
+TEST(DateText, format_may_be_the_text_that_grows) {
+  KtString text("%d/%p%");
+  at(2005, 9, 28, 13).PrintToKtString(text, text.buffer);
+  EXPECT_STREQ(text.StrGet(), "%d/%p%28/pm");
+}
+
 }  // namespace

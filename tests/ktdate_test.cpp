@@ -84,6 +84,7 @@ TEST(KtDate, arithmetic_takes_numbers_of_every_integer_type) {
   EXPECT_TRUE(date + 1u == KtDate(2005, 3, 2));
   EXPECT_TRUE(date + short{31} == KtDate(2005, 4, 1));
   EXPECT_TRUE(date - 1ll == KtDate(2005, 2, 28));
+  EXPECT_EQ(1 + KtDate(2000, 1, 1), 2451546);
   EXPECT_EQ(date - KtDate(2004, 3, 1), 365);
   KtDate moved(2004, 3, 1);
   EXPECT_TRUE(--moved == KtDate(2004, 2, 29));

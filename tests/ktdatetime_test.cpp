@@ -125,6 +125,28 @@ TEST(KtDateTime, order_takes_dates_with_their_wildcards_and_then_times) {
   EXPECT_EQ(value == at(2005, 6, 28, 12, 0, 0), 1);
 }
 
+// Dates, times and date-times convert to the ODMG classes: none of those may be what is compared in the end.
+TEST(KtDateTime, comparisons_never_leave_out_the_time) {
+  const FixedClock clock(FixedClock::kTuesday, 120);  // 2005-06-28 14:34:56
+  const KtDateTime early = at(2005, 6, 28, 9, 0, 0);
+  const KtDateTime late = at(2005, 6, 28, 21, 0, 0);
+  EXPECT_TRUE(early < late && late > early && early <= late && late >= early);
+  EXPECT_FALSE(late < early || early > late || late <= early || early >= late);
+  const KtDate today(2005, 6, 28);  // counts as 14:34:56
+  EXPECT_TRUE(early < today && today < late && late > today && today > early && today >= early && late >= today);
+  EXPECT_TRUE(today == at(2005, 6, 28, 14, 34, 56) && at(2005, 6, 28, 14, 34, 56) == today);
+  EXPECT_EQ(today != late, -1);
+  EXPECT_EQ(late != today, 1);
+  const KtTime noon(12, 0, 0);  // counts as today's
+  EXPECT_TRUE(early <= noon && noon <= late && noon == at(2005, 6, 28, 12, 0, 0) && noon < at(2005, 6, 29, 0, 0, 0));
+  EXPECT_EQ(noon != early, 1);
+  d_Timestamp stamp(early);
+  EXPECT_TRUE(stamp == early && early == stamp);
+  EXPECT_EQ(stamp != late, -1);
+  stamp = late;
+  EXPECT_EQ(late != stamp, 0);
+}
+
 #if !defined(_WIN32)
 std::string outputOf(const char* command) {
   std::string output;

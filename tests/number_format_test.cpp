@@ -84,8 +84,11 @@ TEST(NumberFormat, integers_print_as_snprintf_prints_them) {
   for (const char* tail : {"d", "i", "u", "o", "x", "X", "hd", "hu", "hx", "hhd", "hhu", "hhX"}) {
     forEachFormat({"", "1", "7", "40", "600"}, {"", ".", ".0", ".3", ".12", ".700"}, tail,
                   [&](const std::string& format) {
-                    for (const std::int32_t value : values)
+                    const std::string alone = format.substr(1, format.size() - 2);
+                    for (const std::int32_t value : values) {
                       ASSERT_EQ(printed(format, value), reference(format, value)) << format << " " << value;
+                      ASSERT_EQ(printed(alone, value), reference(alone, value)) << alone << " " << value;
+                    }
                   });
   }
 }

@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -173,6 +175,34 @@ TEST(ScalarOps, text_beyond_the_stored_width_saturates_at_32_bits) {
     mgr.Delete(id, values, 2);
   }
   holder.typeManager = nullptr;
+}
+
+TEST(ScalarOps, what_the_output_held_does_not_matter) {
+  const KtString before[] = {KtString(),
+                             KtString("old"),
+                             KtString("a\0b", 3),
+                             KtString(std::string(30, 'x').c_str()),
+                             KtString(static_cast<unsigned short>('w')),
+                             KtString(std::string(100, 'x').c_str())};
+  std::int32_t value = -2147483647;
+  double real = -1234.5;
+  for (const KtString& held : before) {
+    for (const char* format : {"%d", "%16d", "%016d", "%+d", "%-40d|"}) {
+      KtString out(held);
+      out.SetLanguage(3);
+      char expected[64];
+      std::snprintf(expected, sizeof expected, format, value);
+      EXPECT_EQ(text(mgr.PrintToKtString(KT_ID_int, out, &value, format, 1)), expected);
+      EXPECT_EQ(out.Len(), std::strlen(expected));
+      EXPECT_EQ(out.GetCodeSet(), KtString::GetDefault8CodeSet());
+      EXPECT_EQ(out.GetLanguage(), KtString::GetDefaultLanguage());
+      EXPECT_EQ(text(out += "!"), std::string(expected) + "!");
+    }
+    KtString out(held);
+    EXPECT_EQ(text(mgr.PrintToKtString(KT_ID_double, out, &real, "%.2f", 1) += '!'), "-1234.50!");
+  }
+  KtString itself("%08x");
+  EXPECT_EQ(text(mgr.PrintToKtString(KT_ID_int, itself, &value, itself.buffer, 1)), "80000001");
 }
 
 TEST(ScalarOps, printing_replaces_the_output_and_arrays_are_joined) {

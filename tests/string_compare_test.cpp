@@ -515,14 +515,14 @@ TEST(StringCompare, strings_and_records_compare_as_their_texts) {
     return s;
   };
   const auto recordOf = [](const Text& t, bool big) {
-    std::vector<char> record(4);
-    record.insert(record.end(), t.bytes.begin(), t.bytes.end());
-    for (std::size_t i = 4; !big && t.codeSet >= 225 && i < record.size(); i += 2) std::swap(record[i], record[i + 1]);
-    record[big ? 1 : 0] = static_cast<char>(record.size());
+    const std::size_t end = 4 + t.bytes.size();
+    std::vector<char> record(end + 2);
+    std::copy(t.bytes.begin(), t.bytes.end(), record.begin() + 4);
+    for (std::size_t i = 4; !big && t.codeSet >= 225 && i < end; i += 2) std::swap(record[i], record[i + 1]);
+    record[big ? 1 : 0] = static_cast<char>(end);
     record[2] = static_cast<char>(t.codeSet);
     record[3] = static_cast<char>(t.language);
-    record.insert(record.end(), {'\0', '\xFF'});
-    record.shrink_to_fit();
+    record[end + 1] = '\xFF';
     return record;
   };
   Generator random(5);

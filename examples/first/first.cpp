@@ -18,7 +18,8 @@ int main() {
   const unsigned long bytes = mgr.Store(id, disk, values, 2, 2);  // format 2: big-endian
   mgr.Load(id, values, disk, 2, 2);
   const long order = mgr.Cmp(id, disk, disk + 2, 0, 1, 2);  // straight from the disk form
-  std::printf("%s: %lu bytes, compared: %ld\n", mgr.PrintToKtString(id, out, values, nullptr, 2).StrGet(), bytes, order);
+  std::printf("%s: %lu bytes, compared: %ld\n", mgr.PrintToKtString(id, out, values, nullptr, 2).StrGet(), bytes,
+              order);
 
   mgr.Delete(id, values, 2);
   ___KtTypemgrContext(0);

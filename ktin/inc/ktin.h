@@ -23,19 +23,23 @@ KTIN_API int ___KtI18NContext(int attach);
 // Process-wide defaults. Each value is independent of the others; at load as given in brackets.
 class KTIN_API KtLanguageContext {
 public:
-  static unsigned char GetDefaultCodeSet();    // [1] of an empty KtString
-  static unsigned char GetDefault8CodeSet();   // [1] of a KtString made from char text
-  static unsigned char GetDefault16CodeSet();  // [253] of a KtString made from 16-bit text
-  static unsigned char GetNativeCodeSet();     // [1] stands in for code set 0
-  static unsigned char GetDefaultLanguage();   // [1]
-  static unsigned short GetDefaultCmpOp();     // [0x10] wildcards off
+  static unsigned char GetDefaultCodeSet() { return codeSet_; }      // [1] of an empty KtString
+  static unsigned char GetDefault8CodeSet() { return codeSet8_; }    // [1] of a KtString made from char text
+  static unsigned char GetDefault16CodeSet() { return codeSet16_; }  // [253] of a KtString made from 16-bit text
+  static unsigned char GetNativeCodeSet() { return native_; }        // [1] stands in for code set 0
+  static unsigned char GetDefaultLanguage() { return language_; }    // [1]
+  static unsigned short GetDefaultCmpOp() { return cmpOp_; }         // [0x10] wildcards off
 
-  static void SetDefaultCodeSet(unsigned char codeSet);
-  static void SetDefault8CodeSet(unsigned char codeSet);
-  static void SetDefault16CodeSet(unsigned char codeSet);
-  static void SetNativeCodeSet(unsigned char codeSet);
-  static void SetDefaultLanguage(unsigned char language);
-  static void SetDefaultCmpOp(unsigned short cmpOp);
+  static void SetDefaultCodeSet(unsigned char codeSet) { codeSet_ = codeSet; }
+  static void SetDefault8CodeSet(unsigned char codeSet) { codeSet8_ = codeSet; }
+  static void SetDefault16CodeSet(unsigned char codeSet) { codeSet16_ = codeSet; }
+  static void SetNativeCodeSet(unsigned char codeSet) { native_ = codeSet; }
+  static void SetDefaultLanguage(unsigned char language) { language_ = language; }
+  static void SetDefaultCmpOp(unsigned short cmpOp) { cmpOp_ = cmpOp; }
+
+private:
+  static unsigned char codeSet_, codeSet8_, codeSet16_, native_, language_;
+  static unsigned short cmpOp_;
 };
 
 // One code set, by code: 1 ISO 8859-1, 2 ISO 8859-2, 3 ISO 8859-5, 4 ISO 8859-7, 5 ISO 8859-15, 10 Windows-1252,

@@ -11,6 +11,17 @@ namespace {
 // The string row of the manager's own table.
 KtTypeDescriptor& stringRow(const kt::TypeTable table) { return *table[KT_ID_KtString]; }
 
+// Elements one by one, with commas between them.
+[[gnu::noinline]] KtString& printList(const KtTypeMgr& manager, char id, KtPrintToKtStringFunc print, KtString& out,
+                                      void* values, const char* format, unsigned long count) {
+  for (unsigned long i = 0; i < count; ++i) {
+    KtString text;
+    out += print(text, manager.GetArrayElement(id, values, i, count), format, 1);
+    if (i + 1 < count) out += ',';
+  }
+  return out;
+}
+
 }  // namespace
 
 KtTypeConvertData::~KtTypeConvertData() {
@@ -43,14 +54,8 @@ KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const
   if (format == nullptr) format = row.Format;
   // Characters print as one text, also where one of their rows has got another function. The illegal row prints nothing
   // at all, so no commas either.
-  const bool asOneText = print == kt::printChars || row.MemLen == 0;
-  if (count < 2 || asOneText) return print(out, values, format, count);
-  for (unsigned long i = 0; i < count; ++i) {
-    KtString text;
-    out += print(text, GetArrayElement(id, values, i, count), format, 1);
-    if (i + 1 < count) out += ',';
-  }
-  return out;
+  const bool asOneText = count < 2 || print == kt::printChars || row.MemLen == 0;
+  return asOneText ? print(out, values, format, count) : printList(*this, id, print, out, values, format, count);
 }
 
 void* KtTypeMgr::ScanFromKtString(char id, void* values, KtString& in, const char* format, unsigned long count) const {

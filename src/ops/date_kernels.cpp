@@ -2,6 +2,8 @@
 
 #include "clones.h"
 
+#include <type_traits>
+
 namespace kt {
 namespace {
 
@@ -21,42 +23,72 @@ KT_CLONES void swapYearsInPlace(unsigned char* run, unsigned long count) { swapY
 
 // Vectors that both machines have: in two registers where there are 16-byte ones only.
 using Vector [[gnu::vector_size(32)]] = std::uint64_t;
+using UnalignedVector [[gnu::vector_size(32), gnu::aligned(1), gnu::may_alias]] = std::uint64_t;
+
+// Vectors and the rest of the run, where vectors hold whole records: each record is one word.
+template <unsigned kSize>
+[[gnu::always_inline]] inline void foldWhole(const Vector (&sums)[kSize], const Vector (&anys)[kSize],
+                                             const unsigned char* rest, unsigned long count, Fold<kSize>& fold) {
+  using Word = std::conditional_t<kSize == 4, std::uint32_t, std::uint64_t>;
+  static_assert(sizeof(Word) == kSize);
+  Vector sum = sums[0];
+  Vector any = anys[0];
+  for (unsigned v = 1; v < kSize; ++v) {
+    sum ^= sums[v];
+    any |= anys[v];
+  }
+  const std::uint64_t sum8 = sum[0] ^ sum[1] ^ sum[2] ^ sum[3];
+  const std::uint64_t any8 = any[0] | any[1] | any[2] | any[3];
+  auto sumWord = static_cast<Word>(kSize == 4 ? sum8 ^ sum8 >> 32 : sum8);
+  auto anyWord = static_cast<Word>(kSize == 4 ? any8 | any8 >> 32 : any8);
+  for (; count != 0; --count, rest += kSize) {
+    const auto word = readValue<Word>(rest);
+    sumWord ^= word;
+    anyWord |= word;
+  }
+  std::memcpy(fold.sum, &sumWord, kSize);
+  std::memcpy(fold.any, &anyWord, kSize);
+}
+
+template <unsigned kSize>
+[[gnu::always_inline]] inline void foldBytes(const Vector (&sums)[kSize], const Vector (&anys)[kSize],
+                                             const unsigned char* rest, unsigned long count, Fold<kSize>& fold) {
+  unsigned char sumBytes[sizeof sums];
+  unsigned char anyBytes[sizeof anys];
+  std::memcpy(sumBytes, sums, sizeof sums);
+  std::memcpy(anyBytes, anys, sizeof anys);
+  fold = {};
+  for (unsigned b = 0; b < sizeof sums; ++b) {
+    fold.sum[b % kSize] ^= sumBytes[b];
+    fold.any[b % kSize] |= anyBytes[b];
+  }
+  for (; count != 0; --count, rest += kSize) {
+    for (unsigned b = 0; b < kSize; ++b) {
+      fold.sum[b] ^= rest[b];
+      fold.any[b] |= rest[b];
+    }
+  }
+}
 
 // 32 records are kSize vectors; the same bytes of each vector are the same places of records.
 template <unsigned kSize>
 [[gnu::always_inline]] inline void foldRun(const unsigned char* run, unsigned long count, Fold<kSize>& fold) {
-  Vector sums[kSize] = {};
-  Vector anys[kSize] = {};
+  Vector sums[kSize];
+  Vector anys[kSize];
+  for (unsigned v = 0; v < kSize; ++v) sums[v] = anys[v] = Vector{};  // in registers, as an initialiser would not be
   unsigned long i = 0;
   for (; i + sizeof(Vector) <= count; i += sizeof(Vector)) {
     for (unsigned v = 0; v < kSize; ++v) {
-      Vector vector;
-      std::memcpy(&vector, run + i * kSize + v * sizeof vector, sizeof vector);
+      // Reading is the bottleneck, and compilers would read the vector once for each use.
+      const Vector vector = *reinterpret_cast<const volatile UnalignedVector*>(run + i * kSize + v * sizeof(Vector));
       sums[v] ^= vector;
       anys[v] |= vector;
     }
   }
-  // Where vectors hold whole records, one vector's worth of bytes is left.
-  constexpr bool kWhole = sizeof(Vector) % kSize == 0;
-  for (unsigned v = 1; kWhole && v < kSize; ++v) {
-    sums[0] ^= sums[v];
-    anys[0] |= anys[v];
-  }
-  constexpr unsigned kBytes = kWhole ? sizeof(Vector) : sizeof sums;
-  unsigned char sumBytes[kBytes];
-  unsigned char anyBytes[kBytes];
-  std::memcpy(sumBytes, sums, kBytes);
-  std::memcpy(anyBytes, anys, kBytes);
-  fold = {};
-  for (unsigned b = 0; b < kBytes; ++b) {
-    fold.sum[b % kSize] ^= sumBytes[b];
-    fold.any[b % kSize] |= anyBytes[b];
-  }
-  for (; i < count; ++i) {
-    for (unsigned b = 0; b < kSize; ++b) {
-      fold.sum[b] ^= run[i * kSize + b];
-      fold.any[b] |= run[i * kSize + b];
-    }
+  if constexpr (sizeof(Vector) % kSize == 0) {
+    foldWhole(sums, anys, run + i * kSize, count - i, fold);
+  } else {
+    foldBytes(sums, anys, run + i * kSize, count - i, fold);
   }
 }
 

@@ -46,7 +46,12 @@ void foldRecords(const unsigned char* run, unsigned long count, Fold<10>& fold);
 template <unsigned kSize, unsigned kFirstSmall, unsigned kLastSmall, class Word>
 std::uint32_t xorWords(const unsigned char* run, unsigned long count, Word word) {
   constexpr unsigned long kBlock = 4096;
+  constexpr unsigned long kFew = 8;  // not worth folding
   std::uint32_t words = 0;
+  if (count <= kFew) {
+    for (; count != 0; --count, run += kSize) words ^= word(run);
+    return words;
+  }
   for (unsigned long n; count != 0; count -= n, run += n * kSize) {
     n = count < kBlock ? count : kBlock;
     Fold<kSize> fold;

@@ -145,6 +145,9 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count);
   static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  static void print(KtString& out, void* value, const char* format) {
+    printDateTime(out, value, format == nullptr ? kDateTimeFormat : format);
+  }
   static bool scan(void* value, const KtString& in, const char* format) {
     scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
     return true;

@@ -3,7 +3,9 @@
 #include "ktstring.h"
 #include "ops/scalar_values.h"
 #include "text/number_format.h"
+#include "values/append_short.h"
 #include "values/narrow_text.h"
+#include "values/string_edit.h"
 
 #include <cstring>
 
@@ -44,12 +46,29 @@ void* scanFirst(void* values, const KtString& in, const char* format) {
   return values;
 }
 
+KtString& assignNumber(KtString& out, const NumberText& text) {
+  assignText(out, text.text, text.length);
+  return out;
+}
+
+[[gnu::noinline]] KtString& printLongInteger(KtString& out, const char* format, std::int32_t value) {
+  NumberText text;
+  printInteger(text, format, value);
+  return assignNumber(out, text);
+}
+
+static_assert(kShortBlock >= kShortNumberRoom && kShortBlock > kShortNumber + 2);
+
 template <class Stored>
 KtString& printStoredInteger(KtString& out, const void* values, const char* format) {
   if (values == nullptr) return out;
-  NumberText text;
-  printInteger(text, format, readValue<Stored>(values));
-  return out = text.text;
+  const std::int32_t value = readValue<Stored>(values);
+  char* const block = shortBlock(out);
+  if (block == nullptr) return printLongInteger(out, format, value);
+  const char* const end = printShortInteger(block, format, value);
+  if (end == nullptr) return printLongInteger(out, format, value);
+  setShort(out, static_cast<unsigned long>(end - block));
+  return out;
 }
 
 }  // namespace
@@ -114,7 +133,7 @@ KtString& printFloat(KtString& out, void* values, const char* format, unsigned l
   if (values == nullptr) return out;
   NumberText text;
   kt::printFloat(text, format, readValue<float>(values));
-  return out = text.text;
+  return assignNumber(out, text);
 }
 
 bool scanFloatValue(void* value, const KtString& in, const char* format) {
@@ -131,7 +150,7 @@ KtString& printDouble(KtString& out, void* values, const char* format, unsigned 
   if (values == nullptr) return out;
   NumberText text;
   kt::printDouble(text, format, readValue<double>(values));
-  return out = text.text;
+  return assignNumber(out, text);
 }
 
 bool scanDoubleValue(void* value, const KtString& in, const char* format) {

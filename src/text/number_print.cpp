@@ -1,16 +1,22 @@
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "text/decimal_text.h"
+#include "text/integer_digits.h"
 #include "text/number_format.h"
 #include "text/number_spec.h"
 
 namespace kt {
 namespace {
+
+void finish(NumberText& out, const char* end) {
+  out.length = static_cast<unsigned>(end - out.text);
+  out.text[out.length] = '\0';
+}
 
 class Appender {
 public:
@@ -33,10 +39,7 @@ public:
     std::memset(end_, c, kept);
     end_ += kept;
   }
-  void finish() {
-    *end_ = '\0';
-    out_.length = static_cast<unsigned>(end_ - out_.text);
-  }
+  void finish() { kt::finish(out_, end_); }
 
 private:
   NumberText& out_;
@@ -102,10 +105,18 @@ void appendCharacter(Appender& out, const NumberSpec& spec, std::uint32_t value)
   appendPieces(out, spec, pieces);
 }
 
+char* writeMagnitude(char* at, char conversion, std::uint32_t magnitude) {
+  switch (conversion) {
+    case 'o': return writeDigits<8>(at, magnitude);
+    case 'x': return writeDigits<16>(at, magnitude, kLowerCaseGap);
+    case 'X': return writeDigits<16>(at, magnitude, kUpperCaseGap);
+    default: return writeDigits<10>(at, magnitude);
+  }
+}
+
 void appendFormattedInteger(Appender& out, const NumberSpec& spec, bool negative, std::uint32_t magnitude) {
-  char digits[16];
-  char* const end = std::to_chars(digits, digits + sizeof digits, magnitude, baseOf(spec.conversion)).ptr;
-  if (spec.conversion == 'X') upperCase(digits, end);
+  char digits[kDigitRoom];
+  const char* const end = writeMagnitude(digits, spec.conversion, magnitude);
   Pieces pieces{.digits = digits, .digitCount = static_cast<int>(end - digits)};
   if (magnitude == 0 && spec.precision == 0) pieces.digitCount = 0;
   if (spec.precision > pieces.digitCount) pieces.zerosBefore = spec.precision - pieces.digitCount;
@@ -122,67 +133,47 @@ void appendFormattedInteger(Appender& out, const NumberSpec& spec, bool negative
   appendPieces(out, spec, pieces);
 }
 
-// Eight digits, one a byte, the first in the lowest: halves of four digits, then pairs, then single digits.
-std::uint64_t eightDigits(std::uint32_t value) {
-  const std::uint64_t fours = value / 10000 | static_cast<std::uint64_t>(value % 10000) << 32;
-  const std::uint64_t hundreds = fours * 10486 >> 20 & 0x0000007F'0000007F;  // each four / 100
-  const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
-  const std::uint64_t tens = pairs * 103 >> 10 & 0x000F000F'000F000F;  // each pair / 10
-  return tens | (pairs - tens * 10) << 8;
-}
-
-void storeLowByteFirst(char* to, std::uint64_t bytes) {
-  if constexpr (std::endian::native == std::endian::little) {
-    std::memcpy(to, &bytes, sizeof bytes);
-  } else {
-    for (int i = 0; i < 8; ++i) to[i] = static_cast<char>(bytes >> 8 * i & 0xFF);
-  }
-}
-
-// Writes up to kDecimalRoom bytes at `to`; returns the end of the number.
-constexpr std::size_t kDecimalRoom = 16;
-constexpr std::uint64_t kZeroDigits = 0x30303030'30303030;
-char* writeDecimal(char* to, std::uint32_t value) {
-  constexpr std::uint32_t kEightDigits = 100000000;
-  if (value >= kEightDigits) {
-    char* const rest = writeDecimal(to, value / kEightDigits);
-    storeLowByteFirst(rest, eightDigits(value % kEightDigits) + kZeroDigits);
-    return rest + 8;
-  }
-  const std::uint64_t digits = eightDigits(value);
-  const int leadingZeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;  // the last digit stays
-  storeLowByteFirst(to, (digits + kZeroDigits) >> 8 * leadingZeros);
-  return to + 8 - leadingZeros;
-}
-
-char* writeSignedDecimal(char* to, bool negative, std::uint32_t magnitude) {
-  *to = '-';
-  return writeDecimal(to + (negative ? 1 : 0), magnitude);
-}
-
 void appendInteger(Appender& out, const NumberSpec& spec, std::int32_t value) {
   if (spec.conversion == 'c') return appendCharacter(out, spec, static_cast<std::uint32_t>(value));
   const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
   const bool negative = isSignedConversion(spec.conversion) && (bits >> 31) != 0;
-  const std::uint32_t magnitude = negative ? 0 - bits : bits;
-  if (!spec.plain || baseOf(spec.conversion) != 10 || out.room() < kDecimalRoom) {
-    return appendFormattedInteger(out, spec, negative, magnitude);
+  appendFormattedInteger(out, spec, negative, negative ? 0 - bits : bits);
+}
+
+// The usual integer formats: "%", perhaps 0, a width, h or l, and the conversion.
+struct ShortFormat {
+  bool zeros;
+  bool half;
+  unsigned width;
+  char conversion;
+};
+
+// False for every other format. The conversion is not looked at.
+inline bool parseShortFormat(const char* at, ShortFormat& format) {
+  if (*at++ != '%') return false;
+  format.zeros = *at == '0';
+  if (format.zeros) ++at;
+  format.width = 0;
+  for (; isDecimalDigit(*at); ++at) {
+    format.width = format.width * 10 + static_cast<unsigned>(*at - '0');
+    if (format.width > kShortNumber) return false;
   }
-  out.moveTo(writeSignedDecimal(out.end(), negative, magnitude));
+  format.half = *at == 'h';
+  if (format.half || *at == 'l') ++at;
+  format.conversion = *at;
+  return *at != '\0' && at[1] == '\0';
 }
 
-// The short way for the formats of the type table. False if the format is another one.
-bool printPlainDecimal(NumberText& text, const char* format, std::int32_t value) {
-  NumberSpec spec;
-  if (!parsePlainFormat(format, spec) || (spec.conversion != 'd' && spec.conversion != 'u')) return false;
-  const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
-  const bool negative = spec.conversion == 'd' && (bits >> 31) != 0;
-  char* const end = writeSignedDecimal(text.text, negative, negative ? 0 - bits : bits);
-  *end = '\0';
-  text.length = static_cast<unsigned>(end - text.text);
-  return true;
+// Moves the number from `at` to `end` to the right, and blanks in front of it.
+char* rightAlign(char* at, char* end, int width) {
+  const auto length = end - at;
+  if (length >= width) return end;
+  std::memmove(at + width - length, at, static_cast<std::size_t>(length));
+  std::memset(at, ' ', static_cast<std::size_t>(width - length));
+  return at + width;
 }
 
+constexpr int kUsualPrecision = 6;
 // Every decimal digit of a double that can differ from 0 stands within this many digits of the point.
 constexpr int kExactDigits = 1100;
 // 309 digits before the point, the point, the exponent.
@@ -222,9 +213,22 @@ char replaceGeneral(double magnitude, int& precision) {
   return fixed ? 'f' : 'e';
 }
 
+// Null where it takes to_chars.
+char* writeDecimal(char* at, char kind, double magnitude, int precision) {
+  switch (kind) {
+    case 'f': return writeFixed(at, magnitude, precision);
+    case 'e': return writeScientific(at, magnitude, precision);
+    default: return writeGeneral(at, magnitude, precision);
+  }
+}
+
 // Returns the zeros that the precision asks for beyond the digits written.
 int convertDecimal(RealText& text, double magnitude, char kind, int precision) {
   const int written = precision < kExactDigits ? precision : kExactDigits;
+  if (char* const end = writeDecimal(text.text, kind, magnitude, precision)) {
+    text.end = end;
+    return 0;
+  }
   switch (kind) {
     case 'f': text.convert(magnitude, std::chars_format::fixed, written); return precision - written;
     case 'e': text.convert(magnitude, std::chars_format::scientific, written); return precision - written;
@@ -258,7 +262,7 @@ char* mantissaEnd(RealText& text, bool hex) { return hex ? text.find('p', text.e
 Pieces convertReal(RealText& text, const NumberSpec& spec, char kind, double magnitude) {
   const bool hex = kind == 'a';
   const bool alternate = spec.has(NumberSpec::kAlternate);
-  int precision = spec.precision < 0 && !hex ? 6 : spec.precision;
+  int precision = spec.precision < 0 && !hex ? kUsualPrecision : spec.precision;
   if (kind == 'g' && alternate) kind = replaceGeneral(magnitude, precision);
   const int zeros = hex ? convertHex(text, magnitude, precision) : convertDecimal(text, magnitude, kind, precision);
   // Only what is put behind the mantissa asks where that is.
@@ -305,7 +309,22 @@ void printFormat(Appender& out, const char* format, Convert convert) {
   out.finish();
 }
 
+// The short way for formats such as "%lf" and "%.15g". False if the format or the number is another one.
+bool printShortReal(NumberText& text, const char* format, double value) {
+  NumberSpec spec;
+  if (!parseOnlySpec(format, spec) || spec.flags != 0 || spec.width != 0 || !std::isfinite(value)) return false;
+  if (spec.conversion != 'f' && spec.conversion != 'e' && spec.conversion != 'g') return false;
+  const bool negative = std::signbit(value);
+  text.text[0] = '-';
+  const char* const end = writeDecimal(text.text + (negative ? 1 : 0), spec.conversion, std::fabs(value),
+                                       spec.precision < 0 ? kUsualPrecision : spec.precision);
+  if (end == nullptr) return false;
+  finish(text, end);
+  return true;
+}
+
 void printReal(NumberText& text, const char* format, double value) {
+  if (printShortReal(text, format, value)) return;
   Appender out(text);
   bool done = false;
   printFormat(out, format, [&](const NumberSpec& spec) {
@@ -334,8 +353,31 @@ void printMantissaExponent(NumberText& text, const char* format, double value) {
 
 }  // namespace
 
+char* printShortInteger(char* at, const char* format, std::int32_t value) {
+  ShortFormat parsed;
+  if (!parseShortFormat(format, parsed)) return nullptr;
+  auto bits = static_cast<std::uint32_t>(value);
+  const unsigned least = parsed.zeros && parsed.width != 0 ? parsed.width : 1;
+  char* end;
+  switch (parsed.conversion) {
+    case 'd': {
+      if (parsed.half) bits = static_cast<std::uint32_t>(static_cast<std::int16_t>(bits & 0xFFFF));
+      const std::uint32_t signs = bits >> 31;
+      *at = '-';
+      // The sign takes the place of a zero.
+      end = writeAtLeast<10>(at + signs, (bits ^ (0 - signs)) + signs, 0, least > 1 ? least - signs : 1);
+      break;
+    }
+    case 'u': end = writeAtLeast<10>(at, parsed.half ? bits & 0xFFFF : bits, 0, least); break;
+    case 'x': end = writeAtLeast<16>(at, parsed.half ? bits & 0xFFFF : bits, kLowerCaseGap, least); break;
+    case 'X': end = writeAtLeast<16>(at, parsed.half ? bits & 0xFFFF : bits, kUpperCaseGap, least); break;
+    default: return nullptr;
+  }
+  return parsed.zeros || parsed.width == 0 ? end : rightAlign(at, end, static_cast<int>(parsed.width));
+}
+
 void printInteger(NumberText& out, const char* format, std::int32_t value) {
-  if (printPlainDecimal(out, format, value)) return;
+  if (const char* const end = printShortInteger(out.text, format, value)) return finish(out, end);
   Appender appender(out);
   bool done = false;
   bool ended = false;

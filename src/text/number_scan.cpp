@@ -1,9 +1,12 @@
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <system_error>
+#include <type_traits>
 
+#include "text/integer_digits.h"
 #include "text/number_format.h"
 #include "text/number_spec.h"
 
@@ -36,9 +39,10 @@ struct Cursor {
   }
   // Takes a sign, if there is one; whether it is '-'.
   bool takeMinus() {
-    if (take('-')) return true;
-    take('+');
-    return false;
+    if (atEnd()) return false;
+    const bool isMinus = *at == '-';
+    at += static_cast<int>(isMinus) | static_cast<int>(*at == '+');
+    return isMinus;
   }
   // What a width leaves of it.
   Cursor limited(int width) const { return width > 0 && width < end - at ? Cursor{at, at + width} : *this; }
@@ -58,20 +62,23 @@ struct Magnitude {
   std::uint64_t value = 0;  // stays above 32 bits once it is
   bool hasDigits = false;
 
-  template <class DigitOf>
-  void take(Cursor& in, unsigned base, DigitOf digitOf) {
-    const char* at = in.at;
-    std::uint64_t sum = 0;
-    for (unsigned digit; at != in.end && (digit = digitOf(*at)) < base; ++at) {
-      if (sum >> 32 == 0) sum = sum * base + digit;
+  template <unsigned kBase>
+  void take(Cursor& in) {
+    unsigned count = 8;
+    while (count == 8 && !in.atEnd()) {
+      std::uint64_t longer = value;
+      count = continueNumber<kBase>(in.at, static_cast<unsigned long>(in.end - in.at), longer);
+      if (value >> 32 == 0) value = longer;
+      hasDigits |= count != 0;
+      in.at += count;
     }
-    value = sum;
-    hasDigits |= at != in.at;
-    in.at = at;
   }
   void take(Cursor& in, unsigned base) {
-    if (base != 10) return take(in, base, digitValue);
-    take(in, 10, [](char c) { return static_cast<unsigned>(static_cast<unsigned char>(c)) - '0'; });
+    switch (base) {
+      case 8: return take<8>(in);
+      case 16: return take<16>(in);
+      default: return take<10>(in);
+    }
   }
 };
 
@@ -132,16 +139,6 @@ bool readInteger(Cursor& in, const NumberSpec& spec, std::uint32_t& value) {
   return true;
 }
 
-// The short way for "%d", "%hu" and the like.
-bool readDecimal(Cursor in, const NumberSpec& spec, std::uint32_t& value) {
-  in.skipBlanks();
-  const bool negative = in.takeMinus();
-  Magnitude magnitude;
-  magnitude.take(in, 10);
-  if (magnitude.hasDigits) value = storedInteger(spec, negative, magnitude.value);
-  return magnitude.hasDigits;
-}
-
 // ---- reals --------------------------------------------------------------------------------------------------------
 
 bool takeWord(Cursor& in, const char* word) {
@@ -195,8 +192,43 @@ bool isHuge(Cursor number, unsigned base, char exponentLetter) {
   return place + (negative ? -exponent : exponent) > 0;
 }
 
+// Appends digits to `number`, which is only right up to 19 of them; returns how many they are.
+inline unsigned takeRun(Cursor& in, std::uint64_t& number) {
+  const char* at = in.at;
+  std::uint64_t longer = number;
+  for (unsigned digit; at != in.end && (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) < 10; ++at) {
+    longer = longer * 10 + digit;
+  }
+  number = longer;
+  const auto count = at - in.at;
+  in.at = at;
+  return count < 100 ? static_cast<unsigned>(count) : 100;
+}
+
+// The short way for numbers such as "-12.75": where the digits and the power of ten that divides them are exact, so is
+// their quotient but for its one rounding. False, and nothing is taken, where that does not hold.
+template <class Real>
+bool takeShortDecimal(Cursor& in, Real& value) {
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                       1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr unsigned kExactPower = std::is_same_v<Real, float> ? 10 : 22;
+  if constexpr (FLT_EVAL_METHOD != 0) return false;
+  Cursor rest = in;
+  std::uint64_t number = 0;
+  unsigned digits = takeRun(rest, number);
+  const unsigned behind = rest.take('.') ? takeRun(rest, number) : 0;
+  digits += behind;
+  if (digits == 0 || digits > 19 || behind > kExactPower) return false;
+  if (number >> std::numeric_limits<Real>::digits != 0) return false;
+  if (!rest.atEnd() && lowerCase(*rest.at) == 'e') return false;
+  value = static_cast<Real>(static_cast<std::int64_t>(number)) / static_cast<Real>(kPowers[behind]);
+  in = rest;
+  return true;
+}
+
 template <class Real>
 bool takeDigits(Cursor& in, Real& value, bool hex) {
+  if (!hex && takeShortDecimal(in, value)) return true;
   // Neither a second sign nor a word may follow.
   const unsigned base = hex ? 16 : 10;
   if (in.atEnd() || (*in.at != '.' && digitValue(*in.at) >= base)) return false;
@@ -227,7 +259,7 @@ bool readReal(Cursor& in, int width, Real& value) {
   const bool negative = number.takeMinus();
   Real magnitude = 0;
   if (!takeMagnitude(number, magnitude)) return false;
-  value = negative ? -magnitude : magnitude;
+  value = std::copysign(magnitude, negative ? Real{-1} : Real{1});
   in.at = number.at;
   return true;
 }
@@ -280,8 +312,8 @@ bool scanFormat(Cursor in, const char* format, bool printSyntax, Read read) {
 template <class Real>
 bool scanReal(const char* text, unsigned long length, const char* format, Real& value) {
   Cursor all{text, text + length};
-  NumberSpec plain;
-  if (parsePlainFormat(format, plain) && isRealConversion(plain.conversion)) return readReal(all, 0, value);
+  NumberSpec only;
+  if (parseOnlySpec(format, only, false) && isRealConversion(only.conversion)) return readReal(all, only.width, value);
   bool done = false;
   scanFormat(all, format, false, [&](Cursor& in, const NumberSpec& spec) {
     if (!isRealConversion(spec.conversion)) return Step::kDeclined;
@@ -315,12 +347,11 @@ bool scanMantissaExponent(const char* text, unsigned long length, const char* fo
 }  // namespace
 
 bool scanInteger(const char* text, unsigned long length, const char* format, std::uint32_t& value) {
-  NumberSpec plain;
-  if (parsePlainFormat(format, plain) && (plain.conversion == 'd' || plain.conversion == 'u')) {
-    return readDecimal({text, text + length}, plain, value);
-  }
+  Cursor all{text, text + length};
+  NumberSpec only;
+  if (parseOnlySpec(format, only, false) && isIntegerConversion(only.conversion)) return readInteger(all, only, value);
   bool done = false;
-  scanFormat({text, text + length}, format, false, [&](Cursor& in, const NumberSpec& spec) {
+  scanFormat(all, format, false, [&](Cursor& in, const NumberSpec& spec) {
     if (!isIntegerConversion(spec.conversion)) return Step::kDeclined;
     done = readInteger(in, spec, value);
     return done ? Step::kFinished : Step::kFailed;

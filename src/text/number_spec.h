@@ -90,27 +90,33 @@ inline NumberSpec parseNumberSpec(const char* at, bool printSyntax) {
   return spec;
 }
 
-// Whether the whole format is one conversion of letters only, as those of the type table are: then `spec` is it.
-inline bool parsePlainFormat(const char* format, NumberSpec& spec) {
+// Whether the whole format is one conversion specification, as those of the type table are: then `spec` is it.
+inline bool parseOnlySpec(const char* format, NumberSpec& spec, bool printSyntax = true) {
   if (format[0] != '%') return false;
   const char* at = format + 1;
-  if (*at == 'l' || *at == 'h') spec.length = *at++;
-  spec.conversion = *at;
-  return *at != '\0' && at[1] == '\0';
+  if (*at == 'l') ++at;
+  if (*at >= 'A' && at[1] == '\0') {  // at most a letter that means nothing
+    spec.conversion = *at;
+    return true;
+  }
+  spec = parseNumberSpec(format + 1, printSyntax);
+  return spec.conversion != '\0' && *spec.end == '\0';
 }
 
-inline bool isIntegerConversion(char c) {
+// Conversions that write digits of an integer.
+inline bool isDigitConversion(char c) {
   switch (c) {
     case 'd':
     case 'i':
     case 'u':
     case 'o':
     case 'x':
-    case 'X':
-    case 'c': return true;
+    case 'X': return true;
     default: return false;
   }
 }
+
+inline bool isIntegerConversion(char c) { return c == 'c' || isDigitConversion(c); }
 
 inline bool isRealConversion(char c) {
   switch (c | 0x20) {
@@ -139,7 +145,9 @@ inline std::uint32_t reduceToLength(std::uint32_t value, const NumberSpec& spec)
 }
 
 // Only the first four characters of "ldexp(" count.
-inline bool isMantissaExponentFormat(const char* format) { return std::strncmp(format, "ldex", 4) == 0; }
+inline bool isMantissaExponentFormat(const char* format) {
+  return format[0] == 'l' && std::strncmp(format, "ldex", 4) == 0;
+}
 
 }  // namespace kt
 

@@ -46,7 +46,7 @@ Weight primaryOf(Weight weight, Weight significant) {
 
 }  // namespace
 
-// Language 255 follows the default; 254, and code set 254, make nulls.
+// Language 254, and code set 254, make nulls.
 void noteUsualTables(unsigned char codeSet, unsigned char language) {
   if (language >= 254) return;
   const unsigned char kind = collationKind(language);
@@ -56,8 +56,6 @@ void noteUsualTables(unsigned char codeSet, unsigned char language) {
 }
 
 unsigned char findCollationKind(unsigned char language) {
-  // 255 is not remembered: the default language may change.
-  if (language == 255) return KtUnicodeProps::CollationKind(KtLanguageContext::GetDefaultLanguage());
   const unsigned char kind = KtUnicodeProps::CollationKind(language);
   kindOfLanguage[language].store(kind, std::memory_order_relaxed);
   return kind;

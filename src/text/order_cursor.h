@@ -6,6 +6,8 @@
 #ifndef KT_ORDER_CURSOR_H
 #define KT_ORDER_CURSOR_H
 
+#include "text_units.h"
+
 #include <ktin.h>
 
 #include <algorithm>
@@ -23,8 +25,8 @@ struct TextRef {
   const char* text = nullptr;           // may be unaligned; null is an empty text
   unsigned long limit = kToTerminator;  // characters that are readable; a zero character ends the text before
   unsigned char codeSet = 1;            // 0 the native set, 255 the default 8-bit set
-  unsigned char language = 0;           // 255 the default language
-  unsigned char flag = 1;               // order of 16-bit characters: 1, 8, 255 host; 2 big-endian; else little
+  unsigned char language = 0;
+  unsigned char flag = 1;  // order of 16-bit characters: 1, 8, 255 host; 2 big-endian; else little
 
   // Language 254 makes a null value, and so does code set 254 with language 0.
   bool isNull() const { return language == 254 || (codeSet == 254 && language == 0); }
@@ -136,11 +138,7 @@ inline const WideWeights* usualWideWeights(unsigned codes) {
 }
 
 // How far to rotate a 16-bit character as loaded from memory to get its number: 0 or 8 bits.
-constexpr int unitRotation(unsigned char flag) {
-  if (flag == 1 || flag == 8 || flag == 255) return 0;
-  const bool bigHost = std::endian::native == std::endian::big;
-  return (flag == 2) == bigHost ? 0 : 8;
-}
+constexpr int unitRotation(unsigned char flag) { return isSwappedText(flag) ? 8 : 0; }
 
 // The weights of a character with more than one order; 0 where there are fewer than three.
 struct SeveralWeights {

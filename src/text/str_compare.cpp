@@ -10,12 +10,12 @@ namespace kt {
 
 namespace {
 
-// Whether any byte (charSize 1) or any 16-bit unit (charSize 2) of the word is zero.
-template <unsigned long charSize>
+// Whether any byte (kCharSize 1) or any 16-bit unit (kCharSize 2) of the word is zero.
+template <unsigned long kCharSize>
 bool hasZero(std::uint64_t word) {
-  constexpr std::uint64_t ones = charSize == 1 ? 0x0101010101010101u : 0x0001000100010001u;
-  constexpr std::uint64_t tops = ones << (charSize * 8 - 1);
-  return ((word - ones) & ~word & tops) != 0;
+  constexpr std::uint64_t kOnes = kCharSize == 1 ? 0x0101010101010101u : 0x0001000100010001u;
+  constexpr std::uint64_t kTops = kOnes << (kCharSize * 8 - 1);
+  return ((word - kOnes) & ~word & kTops) != 0;
 }
 
 // The index of the first byte, in memory order, in which two words differ.
@@ -30,50 +30,51 @@ unsigned long firstDifferentByte(std::uint64_t difference) {
 constexpr unsigned long kEqual = ~0ul;
 constexpr unsigned long kEnds = kEqual - 1;
 
-template <unsigned long charSize>
+template <unsigned long kCharSize>
 unsigned long compareWord(const char* a, const char* b, unsigned long i) {
   std::uint64_t x, y;
-  std::memcpy(&x, a + i * charSize, sizeof x);
-  std::memcpy(&y, b + i * charSize, sizeof y);
-  if (hasZero<charSize>(x)) return kEnds;
-  return x == y ? kEqual : i + firstDifferentByte(x ^ y) / charSize;
+  std::memcpy(&x, a + i * kCharSize, sizeof x);
+  std::memcpy(&y, b + i * kCharSize, sizeof y);
+  if (hasZero<kCharSize>(x)) return kEnds;
+  return x == y ? kEqual : i + firstDifferentByte(x ^ y) / kCharSize;
 }
 
 // Leading characters, up to `count`, that are the same on both sides; count characters must be readable. It may stop
 // early, at a word that holds a zero character or when there are fewer characters than in a word.
-template <unsigned long charSize>
+template <unsigned long kCharSize>
 unsigned long equalByWords(const char* a, const char* b, unsigned long count) {
-  constexpr unsigned long perWord = 8 / charSize;
-  if (count < perWord) return 0;
-  for (unsigned long i = 0;; i += perWord) {
-    const bool last = count - i <= perWord;
-    const unsigned long difference = compareWord<charSize>(a, b, last ? count - perWord : i);  // the last one overlaps
+  constexpr unsigned long kPerWord = 8 / kCharSize;
+  if (count < kPerWord) return 0;
+  for (unsigned long i = 0;; i += kPerWord) {
+    const bool last = count - i <= kPerWord;
+    const unsigned long difference =
+        compareWord<kCharSize>(a, b, last ? count - kPerWord : i);  // the last one overlaps
     if (difference == kEnds) return i;
     if (difference != kEqual) return difference;
     if (last) return count;
   }
 }
 
-template <unsigned long charSize>
+template <unsigned long kCharSize>
 bool sameCharacter(const char* a, const char* b, unsigned long i) {
-  if constexpr (charSize == 1) return a[i] == b[i] && a[i] != 0;
+  if constexpr (kCharSize == 1) return a[i] == b[i] && a[i] != 0;
   const unsigned unit = loadUnit(a, i, 0);
   return unit == loadUnit(b, i, 0) && unit != 0;
 }
 
 // The number of leading characters that are the same. Whole words are read only where both texts are known to be
 // readable: a terminated text may end at the end of a page.
-template <unsigned long charSize>
+template <unsigned long kCharSize>
 unsigned long equalPrefix(const char* a, const char* b, unsigned long count, bool readable) {
-  unsigned long i = readable ? equalByWords<charSize>(a, b, count) : 0;
-  if (i < count && !sameCharacter<charSize>(a, b, i)) return i;
+  unsigned long i = readable ? equalByWords<kCharSize>(a, b, count) : 0;
+  if (i < count && !sameCharacter<kCharSize>(a, b, i)) return i;
   for (; count - i >= 4; i += 4) {  // by fours, without a loop condition in between
-    if (!sameCharacter<charSize>(a, b, i)) return i;
-    if (!sameCharacter<charSize>(a, b, i + 1)) return i + 1;
-    if (!sameCharacter<charSize>(a, b, i + 2)) return i + 2;
-    if (!sameCharacter<charSize>(a, b, i + 3)) return i + 3;
+    if (!sameCharacter<kCharSize>(a, b, i)) return i;
+    if (!sameCharacter<kCharSize>(a, b, i + 1)) return i + 1;
+    if (!sameCharacter<kCharSize>(a, b, i + 2)) return i + 2;
+    if (!sameCharacter<kCharSize>(a, b, i + 3)) return i + 3;
   }
-  while (i < count && sameCharacter<charSize>(a, b, i)) ++i;
+  while (i < count && sameCharacter<kCharSize>(a, b, i)) ++i;
   return i;
 }
 

@@ -56,10 +56,10 @@ template <class Table>
 }
 
 // Of texts at the beginning of blocks of 16 bytes or more, with a terminator. 0: not decided.
-template <unsigned long charSize, class Table>
+template <unsigned long kCharSize, class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInBlocks(const char* a, const char* b, const Table& table) {
-  const std::uint32_t mask = differences16<charSize>(a, b);
-  return mask != 0 ? differenceAt(lowestBit(mask) / charSize, a, b, table) : 0;
+  const std::uint32_t mask = differences16<kCharSize>(a, b);
+  return mask != 0 ? differenceAt(lowestBit(mask) / kCharSize, a, b, table) : 0;
 }
 
 // The whole comparison of such texts, in blocks that hold what lies in the same 16 bytes as the terminator.
@@ -71,21 +71,21 @@ long compareTerminated(const char* a, const char* b, const ByteWeights& table, u
 long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp);
 
 // Of texts that have kBytesBefore readable bytes before them and two behind, and no terminator. 0: not decided.
-template <unsigned long charSize, class Table>
+template <unsigned long kCharSize, class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInRecords(const char* a, const char* b, unsigned long limitA,
                                                                unsigned long limitB, const Table& table) {
-  constexpr std::uint32_t kCharacter = (1u << charSize) - 1;
+  constexpr std::uint32_t kCharacter = (1u << kCharSize) - 1;
   const auto primary = [&table](const char* text, unsigned long at, unsigned long limit) {
     const Weight weight = primaryAt(table, text, at);
     return at < limit ? weight : 0;
   };
-  const unsigned long end = std::min({limitA * charSize, limitB * charSize, kFirstBytes});
+  const unsigned long end = std::min({limitA * kCharSize, limitB * kCharSize, kFirstBytes});
   if (end < kBytesBefore) return 0;
   if (const std::int32_t difference = differenceAt(0, a, b, table)) return difference;  // far apart
-  std::uint32_t mask = differencesBefore<charSize>(a, b, end) | 1u << end;
+  std::uint32_t mask = differencesBefore<kCharSize>(a, b, end) | 1u << end;
   do {  // as long as the texts stay in step: they differ in case or diacritics only
-    const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(charSize) - 1);
-    const unsigned long at = bit / charSize;
+    const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(kCharSize) - 1);
+    const unsigned long at = bit / kCharSize;
     const Weight k1 = primary(a, at, limitA);
     const Weight k2 = primary(b, at, limitB);
     if (k1 != k2) {

@@ -45,12 +45,12 @@ template <class T>
 constexpr std::uint64_t kBeyondAscii = kLanes<T>*(static_cast<T>(~T{0}) - 0x7F);
 
 // Vectors, because compilers turn short loops into scalar code before they look for vectors.
-template <class T, unsigned long lanes>
+template <class T, unsigned long kCount>
 struct VectorOf {
-  using Type [[gnu::vector_size(sizeof(T) * lanes)]] = T;
+  using Type [[gnu::vector_size(sizeof(T) * kCount)]] = T;
 };
-template <class T, unsigned long lanes>
-using Vector = typename VectorOf<T, lanes>::Type;
+template <class T, unsigned long kCount>
+using Vector = typename VectorOf<T, kCount>::Type;
 
 std::uint64_t wordAt(const void* p) {
   std::uint64_t word;
@@ -60,29 +60,29 @@ std::uint64_t wordAt(const void* p) {
 
 // Bits beyond ASCII of `count` characters, a multiple of a word's. Zero bytes are ASCII for a reader, but end what is
 // written: taking 1 from the lanes gives them high bits too (and, by the borrow, none to a word that has no zero).
-template <class In, unsigned long count, bool zeroStops>
+template <class In, unsigned long kCount, bool kZeroStops>
 [[gnu::always_inline]] inline bool isPlain(const char* in) {
-  constexpr unsigned long kWords = count * sizeof(In) / sizeof(std::uint64_t);
-  constexpr unsigned long kWidth = kWords < 4 || !zeroStops ? 1 : 4;
+  constexpr unsigned long kWords = kCount * sizeof(In) / sizeof(std::uint64_t);
+  constexpr unsigned long kWidth = kWords < 4 || !kZeroStops ? 1 : 4;
   Vector<std::uint64_t, kWidth> high{};
   for (unsigned long i = 0; i < kWords; i += kWidth) {
     Vector<std::uint64_t, kWidth> words;
     std::memcpy(&words, in + i * sizeof(std::uint64_t), sizeof words);
-    high |= zeroStops ? words | (words - kLanes<In>) : words;
+    high |= kZeroStops ? words | (words - kLanes<In>) : words;
   }
   std::uint64_t all = 0;
   for (unsigned long lane = 0; lane < kWidth; ++lane) all |= high[lane];
   return (all & kBeyondAscii<In>) == 0;
 }
 
-template <class In, class Out, unsigned long count>
+template <class In, class Out, unsigned long kCount>
 [[gnu::always_inline]] inline void moveBlock(char* __restrict out, const char* __restrict in) {
-  if constexpr (sizeof(In) < sizeof(Out) && count == kBlock) {  // widening is the one long loop they do well
-    for (unsigned long i = 0; i < count; ++i) putUnit(out, i, sizeof(Out), unitAt(in, i, sizeof(In)));
+  if constexpr (sizeof(In) < sizeof(Out) && kCount == kBlock) {  // widening is the one long loop they do well
+    for (unsigned long i = 0; i < kCount; ++i) putUnit(out, i, sizeof(Out), unitAt(in, i, sizeof(In)));
     return;
   }
-  constexpr unsigned long kLaneCount = count < kSmallBlock ? count : kSmallBlock;
-  for (unsigned long i = 0; i < count; i += kLaneCount) {
+  constexpr unsigned long kLaneCount = kCount < kSmallBlock ? kCount : kSmallBlock;
+  for (unsigned long i = 0; i < kCount; i += kLaneCount) {
     Vector<In, kLaneCount> from;
     std::memcpy(&from, in + i * sizeof(In), sizeof from);
     const auto to = __builtin_convertvector(from, Vector<Out, kLaneCount>);
@@ -90,17 +90,17 @@ template <class In, class Out, unsigned long count>
   }
 }
 
-template <class In, class Out, unsigned long count, bool zeroStops>
+template <class In, class Out, unsigned long kCount, bool kZeroStops>
 [[gnu::always_inline]] inline bool movePlain(char* out, const char* in) {
-  if (!isPlain<In, count, zeroStops>(in)) return false;
-  moveBlock<In, Out, count>(out, in);
+  if (!isPlain<In, kCount, kZeroStops>(in)) return false;
+  moveBlock<In, Out, kCount>(out, in);
   return true;
 }
 
-template <class In, class Out, bool zeroStops>
+template <class In, class Out, bool kZeroStops>
 [[gnu::always_inline]] inline unsigned long moveBlocks(char* out, const char* in, unsigned long n) {
   unsigned long i = 0;
-  while (i + kBlock <= n && movePlain<In, Out, kBlock, zeroStops>(out + i * sizeof(Out), in + i * sizeof(In))) {
+  while (i + kBlock <= n && movePlain<In, Out, kBlock, kZeroStops>(out + i * sizeof(Out), in + i * sizeof(In))) {
     i += kBlock;
   }
   return i;
@@ -117,7 +117,7 @@ KT_CLONES unsigned long copyBlocks(char* out, const char* in, unsigned long n) {
   return moveBlocks<Byte, Byte, true>(out, in, n);
 }
 
-template <class In, class Out, bool zeroStops>
+template <class In, class Out, bool kZeroStops>
 unsigned long movedBlocks(char* out, const char* in, unsigned long n) {
   if (n < kBlock) return 0;
   if constexpr (sizeof(In) == sizeof(Out)) return copyBlocks(out, in, n);
@@ -125,41 +125,41 @@ unsigned long movedBlocks(char* out, const char* in, unsigned long n) {
 }
 
 // Two blocks that overlap as far as n is short of both: all of the n characters (count to 2 * count), or none.
-template <class In, class Out, unsigned long count, bool zeroStops>
+template <class In, class Out, unsigned long kCount, bool kZeroStops>
 bool movePair(char* out, const char* in, unsigned long n) {
-  const unsigned long last = n - count;
-  if (!isPlain<In, count, zeroStops>(in) || !isPlain<In, count, zeroStops>(in + last * sizeof(In))) return false;
-  moveBlock<In, Out, count>(out, in);
-  moveBlock<In, Out, count>(out + last * sizeof(Out), in + last * sizeof(In));
+  const unsigned long last = n - kCount;
+  if (!isPlain<In, kCount, kZeroStops>(in) || !isPlain<In, kCount, kZeroStops>(in + last * sizeof(In))) return false;
+  moveBlock<In, Out, kCount>(out, in);
+  moveBlock<In, Out, kCount>(out + last * sizeof(Out), in + last * sizeof(In));
   return true;
 }
 
-template <class In, class Out, bool zeroStops>
+template <class In, class Out, bool kZeroStops>
 unsigned long moveSingly(char* out, const char* in, unsigned long n) {
   unsigned long i = 0;
   for (; i < n; ++i) {
     const Unit unit = unitAt(in, i, sizeof(In));
-    if (unit > 0x7F || (zeroStops && unit == 0)) break;
+    if (unit > 0x7F || (kZeroStops && unit == 0)) break;
     putUnit(out, i, sizeof(Out), unit);
   }
   return i;
 }
 
 // Moves the leading ASCII characters of n; returns their number, or fewer where what follows them is not ASCII.
-template <class In, class Out, bool zeroStops>
+template <class In, class Out, bool kZeroStops>
 unsigned long movePlainLead(char* out, const char* in, unsigned long n) {
   if (n < kSmallBlock) {
-    if (n >= 8 && movePair<In, Out, 8, zeroStops>(out, in, n)) return n;
-    return moveSingly<In, Out, zeroStops>(out, in, n);
+    if (n >= 8 && movePair<In, Out, 8, kZeroStops>(out, in, n)) return n;
+    return moveSingly<In, Out, kZeroStops>(out, in, n);
   }
-  unsigned long i = movedBlocks<In, Out, zeroStops>(out, in, n);
+  unsigned long i = movedBlocks<In, Out, kZeroStops>(out, in, n);
   while (i + kSmallBlock <= n &&
-         movePlain<In, Out, kSmallBlock, zeroStops>(out + i * sizeof(Out), in + i * sizeof(In))) {
+         movePlain<In, Out, kSmallBlock, kZeroStops>(out + i * sizeof(Out), in + i * sizeof(In))) {
     i += kSmallBlock;
   }
   const unsigned long last = n - kSmallBlock;
   if (i <= last || i == n) return i;
-  return movePlain<In, Out, kSmallBlock, zeroStops>(out + last * sizeof(Out), in + last * sizeof(In)) ? n : i;
+  return movePlain<In, Out, kSmallBlock, kZeroStops>(out + last * sizeof(Out), in + last * sizeof(In)) ? n : i;
 }
 
 // ASCII bytes in front of the first other of 16, which are all widened.

@@ -1,30 +1,36 @@
-// append_short.h - appending a few characters that the library made itself: numbers.
+// append_short.h - appending or assigning a few characters that the library made itself: numbers.
 #ifndef KT_APPEND_SHORT_H
 #define KT_APPEND_SHORT_H
 
 #include "ktstring.h"
 #include "text/copy_text.h"
 #include "text/string_block.h"
+#include "text/text_units.h"
 #include "values/string_edit.h"
 
 namespace kt {
 
 constexpr unsigned long kShortRoom = 40;
 
-// The end of the text, where kShortRoom bytes may be written before grow() takes some of them in; null where the block
-// has no such room.
+// The end of the text, where kShortRoom bytes may be written before grow() takes some of them in (up to kMostShort, which
+// do not overflow either); null where the block has no such room.
+constexpr unsigned long kMostShort = 32;
 inline char* roomBehind(KtString& s) {
-  const unsigned long size = s.bufferSize;
-  const bool fits =
-      size != 0 && s.CharSize() == 1 && size + kShortRoom < kMaxTextBytes && size + kShortRoom < blockSize(size);
+  const unsigned size = s.bufferSize;
+  if (size < kSmallestBlock || s.CharSize() != 1) return nullptr;
+  // Sizes whose highest two bits are alike have one block.
+  const unsigned lowerBits = static_cast<unsigned>(std::bit_width(size)) - 2;
+  const bool fits = size >> lowerBits == (size + static_cast<unsigned>(kShortRoom)) >> lowerBits;
   return fits && !mayHoldZero(s.buffer, size) ? s.buffer + size - 1 : nullptr;
 }
+static_assert(kTextSizeMask + 1 - kShortRoom + kMostShort <= kMaxTextBytes);
 
-// The n characters behind the text, within its block, belong to it.
-inline void grow(KtString& s, unsigned long n) {
-  const unsigned long size = s.bufferSize + n;
-  s.buffer[size - 1] = '\0';
-  noteMayHoldZero(s.buffer, size, false);
+// What stands behind the text up to `end`, within its block, belongs to it.
+inline void grow(KtString& s, char* end) {
+  char* const block = s.buffer;
+  const auto size = static_cast<unsigned long>(end - block) + 1;
+  *end = '\0';
+  noteMayHoldZero(block, size, false);
   s.bufferSize = static_cast<std::uint16_t>(size);
 }
 
@@ -37,8 +43,25 @@ inline void appendShort(KtString& s, const char* text, unsigned long n) {
     appendAscii(s, text, n);
     return;
   }
-  copyText(s.buffer + old - 1, text, n);
-  grow(s, n);
+  char* const behind = s.buffer + old - 1;
+  copyText(behind, text, n);
+  grow(s, behind + n);
+}
+
+constexpr unsigned long kShortBlock = kSmallestBlock;
+
+// The block of a string whose text is as short, where kShortBlock bytes may be written before setShort() makes some of
+// them the text; null where the string has none.
+inline char* shortBlock(KtString& s) { return s.bufferSize < kShortBlock ? s.buffer : nullptr; }
+
+// The first n characters of the block, at least one, become the text, as in s = text. A terminator fits behind them.
+inline void setShort(KtString& s, unsigned long n) {
+  char* const block = s.buffer;
+  block[n] = '\0';
+  noteMayHoldZero(block, n + 1, false);
+  s.bufferSize = static_cast<std::uint16_t>(n + 1);
+  s.codeSet = narrowSet();
+  s.language = KtLanguageContext::GetDefaultLanguage();
 }
 
 }  // namespace kt

@@ -1,7 +1,7 @@
 // Looks for two bytes of the needle at their distance, many places at a time, and compares the whole needle only there.
-// Where such candidates often fail, the three bytes that are rarest in the hay take their place. Two kinds of input need
-// more: long needles, most of whose places can be skipped by looking at few bytes, and hays made so that candidates keep
-// failing, which get a search that is linear in the worst case.
+// Where such candidates often fail, the three bytes that are rarest in the hay take their place. Long needles, and hays of
+// few different bytes, are searched by skipping most of the places instead. Each of these knows what it costs, and gives
+// up where it gets on too slowly: hays made so that all fail get a search that is linear in the worst case.
 #include "values/blob_search.h"
 
 #include "clones.h"
@@ -86,6 +86,116 @@ KT_CLONES unsigned long blobNextOfThree(const Probe* probes, unsigned long from,
   return nextCandidate<3>(probes, from, stop);
 }
 
+// A search under way: a needle of n bytes may begin at so many places of the hay.
+struct Task {
+  Bytes hay, needle;
+  unsigned long n, places;
+};
+
+// What a failed candidate costs, in bytes that the linear search reads in that time; so many bytes are compared in the
+// time of one.
+constexpr unsigned long kFailure = 16;
+constexpr unsigned long kComparedForOne = 16;
+
+// Compares the needle with candidates. Where the last one failed the next is likely to fail, too.
+class Candidates {
+public:
+  explicit Candidates(const Task& task) : task_(task) {}
+
+  // Whether the needle is at this place. Compares ever longer pieces, so that what it adds to `spent` is what it took.
+  bool match(unsigned long at, unsigned long& spent) {
+    const Bytes hay = task_.hay + at;
+    spent += kFailure;
+    if (hay[failedAt_] != task_.needle[failedAt_]) return false;
+    unsigned long piece = std::min(task_.n, 8ul);
+    for (unsigned long done = 0; done < task_.n; done += piece) {
+      piece = std::min(task_.n - done, std::max(piece, done));
+      if (std::memcmp(hay + done, task_.needle + done, piece) != 0) {
+        const Bytes begin = task_.needle + done;
+        failedAt_ = static_cast<unsigned long>(std::mismatch(begin, begin + piece, hay + done).first - task_.needle);
+        spent += (failedAt_ - done) / 2;
+        return false;
+      }
+      spent += piece / kComparedForOne;
+    }
+    return true;
+  }
+  // The first byte that told the last candidate from a match, or one that did so before.
+  unsigned long failedAt() const { return failedAt_; }
+
+private:
+  const Task& task_;
+  unsigned long failedAt_ = 0;
+};
+
+unsigned long findLinear(const Task& task, unsigned long from) {
+  const unsigned long found = findTwoWay(task.hay + from, task.places - from + task.n - 1, task.needle, task.n);
+  return found == kBytesNotFound ? found : from + found;
+}
+
+// --- skipping -------------------------------------------------------------------------------------------------------
+
+// Where groups of eight bytes stand in the beginning of a needle: of equal ones, and of some that are taken for equal,
+// the last.
+class Grams {
+public:
+  static constexpr unsigned long kSize = 8;
+
+  // `last` counts up from 1: 0 is no place.
+  Grams(Bytes needle, unsigned long head) : last_(head - kSize + 1) {
+    for (unsigned long i = 0; i < last_; ++i) {
+      std::uint16_t& place = places_[hash(needle + i)];
+      if (i + 1 == last_) repeatsAfter_ = last_ - place;
+      place = static_cast<std::uint16_t>(i + 1);
+    }
+  }
+  unsigned long placeOf(Bytes p) const { return places_[hash(p)]; }
+  unsigned long last() const { return last_; }
+  // From the last gram back to the one that is taken for equal, or in front of the first.
+  unsigned long repeatsAfter() const { return repeatsAfter_; }
+
+private:
+  static std::uint64_t hash(Bytes p) {
+    std::uint64_t gram;
+    std::memcpy(&gram, p, sizeof gram);
+    return gram * 0x9E3779B97F4A7C15u >> 52;
+  }
+  unsigned long last_;
+  unsigned long repeatsAfter_ = 0;
+  std::array<std::uint16_t, 4096> places_{};
+};
+
+constexpr unsigned long kLongestHead = 512;  // what of a needle goes into the table
+constexpr unsigned long kShortestHead = 12;
+
+// Looks at the gram that the head of a match would end with: the next match begins where the needle has that gram, and
+// behind it where the needle lacks it, which is most of the time and a step of fixed length. Gives up, with `from` below
+// task.places, where that costs more than a share of the places passed.
+unsigned long findBySkipping(const Task& task, unsigned long& from, unsigned long share) {
+  constexpr unsigned long kAllowance = 1024;
+  const unsigned long head = std::min(task.n, kLongestHead);
+  const Grams grams(task.needle, head);
+  const unsigned long last = grams.last();
+  const Bytes end = task.hay + last - 1;
+  const unsigned long began = from;
+  Candidates candidates(task);
+  for (unsigned long spent = 0; spent <= kAllowance + (from - began) / share;) {
+    unsigned long place = 0;
+    while (from < task.places && (place = grams.placeOf(end + from)) == 0) from += last;
+    if (from >= task.places) break;
+    if (place != last) {
+      from += last - place;
+      spent += kFailure / 2;
+      continue;
+    }
+    if (candidates.match(from, spent)) return from;
+    from += grams.repeatsAfter();
+  }
+  return kBytesNotFound;
+}
+
+// --- probing --------------------------------------------------------------------------------------------------------
+
 // How often each byte occurs among some 256 bytes spread over the hay.
 class Sample {
 public:
@@ -101,67 +211,55 @@ private:
 
 class ProbeSearch {
 public:
-  ProbeSearch(Bytes hay, unsigned long hayLength, Bytes needle, unsigned long n)
-      : hay_(hay), needle_(needle), n_(n), places_(hayLength - n + 1), probes_{} {
+  explicit ProbeSearch(const Task& task) : task_(task), candidates_(task), probes_{} {
     setProbe(0, 0);
-    setProbe(1, n - 1);
+    setProbe(1, task.n - 1);
   }
 
-  unsigned long places() const { return places_; }
-
-  // The first match from `from` on that begins below `stop`, else kBytesNotFound. Once candidates have failed too often
-  // any match from `from` on; then the search is over.
-  unsigned long find(unsigned long from, unsigned long stop) {
+  // The first match that begins below `stop`, else kBytesNotFound; goes on where it stopped, which is below `stop`
+  // where candidates have cost more than a share of the places passed, whatever the probes.
+  unsigned long find(unsigned long& from, unsigned long stop, unsigned long share) {
+    began_ = from;
+    spent_ = 0;
     while (from < stop) {
       from = stage_ == 0 ? blobNextOfTwo(probes_, from, stop) : blobNextOfThree(probes_, from, stop);
       if (from == stop) break;
-      if (matches(from)) return from;
+      if (candidates_.match(from, spent_)) return from;
       ++from;
-      const bool failsOften = spent_ > allowance() + (from - began_) / kShare[stage_];
-      if (failsOften && !chooseProbes(from)) return findLinear(from);
+      const unsigned long part = stage_ + 1 < kStages ? kShare[stage_] : share;
+      const bool failsOften = spent_ > allowance() + (from - began_) / part;
+      if (failsOften && !chooseProbes(from)) break;
     }
     return kBytesNotFound;
   }
-  bool isOver() const { return isOver_; }
 
 private:
   // The probes tried one after another: the needle's ends, its rarest bytes, then what told candidates from matches.
   static constexpr unsigned kStages = 4;
-  // What a failed candidate costs, and what all of a stage may cost beside a share of the places passed, in bytes that
-  // the linear search reads in that time. The first stage
-  // ends when it has cost as much as finding the rarest bytes does.
-  static constexpr unsigned long kFailure = 16;
+  // What all candidates of a stage may cost beside a share of the places passed. The first stage ends when it has cost as
+  // much as finding the rarest bytes does.
   static constexpr unsigned long kAllowance = 512;
   static constexpr unsigned long kChoice = 512;
-  static constexpr unsigned long kShare[kStages] = {64, 1, 1, 1};
+  static constexpr unsigned long kShare[kStages - 1] = {64, 64, 64};
 
-  void setProbe(unsigned probe, unsigned long place) { probes_[probe] = {hay_ + place, needle_[place]}; }
-
-  bool matches(unsigned long at) {
-    spent_ += kFailure;
-    if (n_ >= 8) {
-      if (std::memcmp(hay_ + at, needle_, 8) != 0) return false;
-      spent_ += n_;
-    }
-    return std::memcmp(hay_ + at, needle_, n_) == 0;
-  }
+  void setProbe(unsigned probe, unsigned long place) { probes_[probe] = {task_.hay + place, task_.needle[place]}; }
 
   // The next probes, after the candidate in front of `from` failed; false when there are none.
   bool chooseProbes(unsigned long from) {
-    if (++stage_ == kStages) return false;
+    if (stage_ + 1 == kStages) return false;
+    ++stage_;
     began_ = from;
     spent_ = 0;
     if (stage_ == 1) {
-      chooseRarest(Sample(hay_, places_ + n_ - 1));
+      chooseRarest(Sample(task_.hay, task_.places + task_.n - 1));
     } else {
-      const Bytes failed = hay_ + from - 1;
-      setProbe(stage_ - 1, static_cast<unsigned long>(std::mismatch(needle_, needle_ + n_, failed).first - needle_));
+      setProbe(stage_ - 1, candidates_.failedAt());
     }
     return true;
   }
 
   // Bytes of the needle among which the rarest are chosen.
-  unsigned long choice() const { return n_ < kChoice ? n_ : kChoice; }
+  unsigned long choice() const { return std::min(task_.n, kChoice); }
 
   unsigned long allowance() const { return kAllowance + (stage_ == 0 ? 4 * choice() : 0); }
 
@@ -170,69 +268,42 @@ private:
     for (unsigned probe = 0; probe < kProbes; ++probe) {
       unsigned long rarest = 0;
       for (unsigned long i = 1; i < choice(); ++i)
-        if (sample[needle_[i]] < sample[needle_[rarest]]) rarest = i;
+        if (sample[task_.needle[i]] < sample[task_.needle[rarest]]) rarest = i;
       setProbe(probe, rarest);
-      sample[needle_[rarest]] += kCommon;
+      sample[task_.needle[rarest]] += kCommon;
     }
-  }
-
-  unsigned long findLinear(unsigned long from) {
-    isOver_ = true;
-    const unsigned long found = findTwoWay(hay_ + from, places_ - from + n_ - 1, needle_, n_);
-    return found == kBytesNotFound ? found : from + found;
   }
 
   static constexpr unsigned kProbes = 3;
   static constexpr std::uint16_t kCommon = 1024;
 
-  Bytes hay_, needle_;
-  unsigned long n_, places_;
+  const Task& task_;
+  Candidates candidates_;
   Probe probes_[kProbes];
   unsigned stage_ = 0;
   unsigned long began_ = 0;
   unsigned long spent_ = 0;
-  bool isOver_ = false;
 };
 
-// The groups of four bytes in the beginning of a needle, as a set that may hold a few more.
-class Grams {
-public:
-  static constexpr unsigned long kSize = 4;
-
-  Grams(Bytes needle, unsigned long n) {
-    for (unsigned long i = 0; i + kSize <= n; ++i) isHeld_[hash(needle + i)] = 1;
-  }
-  // Two groups, one behind the other.
-  bool mayHoldBoth(Bytes p) const { return isHeld_[hash(p)] != 0 && isHeld_[hash(p + kSize)] != 0; }
-
-private:
-  static std::uint32_t hash(Bytes p) {
-    std::uint32_t gram;
-    std::memcpy(&gram, p, sizeof gram);
-    return gram * 2654435761u >> 20;
-  }
-  std::array<unsigned char, 4096> isHeld_{};
-};
-
-constexpr unsigned long kShortestToSkip = 48;
-constexpr unsigned long kLongestHead = 512;      // what of a needle goes into the set
-constexpr unsigned long kWorthSkipping = 16384;  // places that pay for making the set
+constexpr unsigned long kLongNeedle = 48;
+constexpr unsigned long kWorthSkipping = 16384;  // places that pay for making the table
 constexpr unsigned long kFirstPlaces = 1024;     // a match near the beginning comes without it
 
-// A needle that begins in a stretch of places as long as its head, less two grams, covers the grams at the end of the
-// stretch: where these are none of the head's, the stretch holds no match.
-unsigned long findBySkipping(ProbeSearch& search, Bytes hay, Bytes needle, unsigned long head, unsigned long from) {
-  const Grams grams(needle, head);
-  const unsigned long stretch = head - 2 * Grams::kSize + 1;
-  unsigned long held = 0, steps = 0;
-  for (; search.places() - from >= stretch; from += stretch) {
-    ++steps;
-    if (!grams.mayHoldBoth(hay + from + stretch - 1)) continue;
-    const unsigned long found = search.find(from, from + stretch);
-    if (found != kBytesNotFound || search.isOver()) return found;
-    if (++held >= 8 && held > steps / 4) return search.find(from + stretch, search.places());
+// By turns, first with little patience for what gets on slowly, then with more.
+unsigned long findByTurns(const Task& task) {
+  const bool maySkip = task.n >= kShortestHead;
+  const bool skipsFirst = task.n >= kLongNeedle && task.places >= kWorthSkipping;
+  ProbeSearch probes(task);
+  unsigned long from = 0;
+  unsigned long stop = skipsFirst ? kFirstPlaces : task.places;
+  for (const unsigned long share : {16ul, maySkip ? 4ul : 1ul}) {
+    unsigned long found = probes.find(from, stop, share);
+    if (found == kBytesNotFound && maySkip && from + kFirstPlaces < task.places)
+      found = findBySkipping(task, from, share);
+    if (found != kBytesNotFound || from >= task.places) return found;
+    stop = task.places;
   }
-  return search.find(from, search.places());
+  return findLinear(task, from);
 }
 
 }  // namespace
@@ -245,12 +316,7 @@ unsigned long findBytes(const unsigned char* hay, unsigned long hayLength, const
     const void* found = std::memchr(hay, needle[0], hayLength);
     return found == nullptr ? kBytesNotFound : static_cast<unsigned long>(static_cast<Bytes>(found) - hay);
   }
-  ProbeSearch search(hay, hayLength, needle, needleLength);
-  const unsigned long head = needleLength < kLongestHead ? needleLength : kLongestHead;
-  if (head < kShortestToSkip || search.places() < kWorthSkipping) return search.find(0, search.places());
-  const unsigned long found = search.find(0, kFirstPlaces);
-  if (found != kBytesNotFound || search.isOver()) return found;
-  return findBySkipping(search, hay, needle, head, kFirstPlaces);
+  return findByTurns({hay, needle, needleLength, hayLength - needleLength + 1});
 }
 
 }  // namespace kt

@@ -1,13 +1,16 @@
 #include "values/datetime_text.h"
 
+#include "text/string_block.h"
 #include "text/text_units.h"
 #include "values/narrow_text.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 namespace kt {
 namespace {
@@ -47,7 +50,7 @@ struct DigitPairs {
 constexpr DigitPairs kDigitPairs;
 
 // A number with at least `digits` digits, as "%0<digits>.<digits>d" prints it. At most 6 characters.
-char* putNumber(char* at, int number, int digits) {
+[[gnu::noinline]] char* putNumber(char* at, int number, int digits) {
   unsigned magnitude = number < 0 ? 0u - static_cast<unsigned>(number) : static_cast<unsigned>(number);
   if (number < 0) *at++ = '-';
   int length = digits;
@@ -57,19 +60,19 @@ char* putNumber(char* at, int number, int digits) {
 }
 
 inline char* putPair(char* at, int number) {
-  if (static_cast<unsigned>(number) >= 100) return putNumber(at, number, 2);
+  if (static_cast<unsigned>(number) >= 100) [[unlikely]]
+    return putNumber(at, number, 2);
   std::memcpy(at, kDigitPairs.text + 2 * number, 2);
   return at + 2;
 }
 
 inline char* putYear(char* at, int year) {
-  if (static_cast<unsigned>(year) >= 10000) return putNumber(at, year, 4);
-  return putPair(putPair(at, year / 100), year % 100);
-}
-
-inline char* putName(char* at, const Name& name, unsigned length) {
-  std::memcpy(at, name.text, length);
-  return at + length;
+  if (static_cast<unsigned>(year) >= 10000) [[unlikely]]
+    return putNumber(at, year, 4);
+  const unsigned century = static_cast<unsigned>(year) / 100;
+  std::memcpy(at, kDigitPairs.text + 2 * century, 2);
+  std::memcpy(at + 2, kDigitPairs.text + 2 * (static_cast<unsigned>(year) - 100 * century), 2);
+  return at + 4;
 }
 
 // Anywhere, even where the "%" belongs to the directive before.
@@ -80,105 +83,177 @@ bool holdsHalfDay(const char* format) {
   return false;
 }
 
-class Printer {
-public:
-  Printer(KtString& out, const KtDateTime& value, FromClock fromClock)
-      : out_(out), date_(&value.date), time_(&value.time), fromClock_(fromClock), at_(buffer_) {}
+// What a directive prints, by its letter: which part of a value, and where a field of two digits lies in it.
+struct Directives {
+  static constexpr unsigned char kDate = 0x40;
+  static constexpr unsigned char kTime = 0x80;
+  static constexpr unsigned char kField = 0x07;  // its offset; 0: no such field
 
-  void print(const char* format) {
-    format_ = format;
-    for (; *format != '\0'; ++format) {
-      if (at_ > buffer_ + sizeof buffer_ - kLongest) flush();
-      if (*format != '%') {
-        *at_++ = *format;
-        continue;
-      }
-      if (*++format == '\0') break;
-      at_ = put(at_, *format);
-    }
-    flush();
+  unsigned char of[256];
+  constexpr Directives() : of() {
+    constexpr unsigned char kTimeAt = offsetof(KtDateTime, time);
+    for (const char letter : {'a', 'A', 'b', 'B', 'y', 'Y'}) at(letter) = kDate;
+    for (const char letter : {'I', 'p', 'P'}) at(letter) = kTime;
+    for (const char letter : {'d', 'e'}) at(letter) = kDate | offsetof(KtDate, day);
+    at('m') = kDate | offsetof(KtDate, month);
+    at('H') = kTime | (kTimeAt + offsetof(KtTime, hour));
+    at('M') = kTime | (kTimeAt + offsetof(KtTime, minute));
+    at('S') = kTime | (kTimeAt + offsetof(KtTime, second));
   }
 
 private:
-  static constexpr unsigned kLongest = 16;  // no directive prints more
+  constexpr unsigned char& at(char letter) { return of[static_cast<unsigned char>(letter)]; }
+};
+constexpr Directives kDirectives;
 
-  void flush() {
-    append(out_, buffer_, narrowSet(), static_cast<unsigned long>(at_ - buffer_));
-    at_ = buffer_;
-  }
+class Printer {
+public:
+  static constexpr unsigned long kValueSize = 7;
+  static constexpr long kLongestNumber = 6;
+  static constexpr long kLongest = 9;  // "Wednesday", "September"
 
-  const KtDate& date() {
-    if (fromClock_ == FromClock::kDate) {
-      clock_.date.Today();
-      date_ = &clock_.date;
-      fromClock_ = FromClock::kNothing;
+  Printer(const void* value, const char* format, FromClock fromClock)
+      : value_(static_cast<const signed char*>(value)),
+        missing_(partOf(fromClock)),
+        format_(format),
+        next_(format),
+        isDone_(*format == '\0') {}
+  Printer(const Printer&) = delete;
+  Printer& operator=(const Printer&) = delete;
+
+  // Nothing is left of the format.
+  bool isDone() const { return isDone_; }
+
+  // Goes on printing to where `at` points, up to `end` at most: how far it came. A room of kLongest takes something.
+  [[gnu::always_inline]] inline char* print(char* at, const char* end) {
+    const char* format = next_;
+    const char* const last = end - kLongestNumber;
+    for (; *format != '\0' && at <= last; ++format) {
+      if (*format != '%') {
+        *at++ = *format;
+        continue;
+      }
+      const char letter = format[1];
+      const unsigned char kind = kDirectives.of[static_cast<unsigned char>(letter)];
+      if ((kind & missing_) != 0) [[unlikely]] {
+        readClock();
+      }
+      if ((kind & Directives::kField) != 0) {
+        at = putPair(at, value_[kind & Directives::kField]);
+      } else if (letter == 'Y') {
+        at = putYear(at, year());
+      } else {
+        if (letter == '\0') continue;
+        if ((letter == 'A' || letter == 'B') && end - at < kLongest) break;
+        at = put(at, letter);
+      }
+      ++format;
     }
-    return *date_;
+    next_ = format;
+    isDone_ = *format == '\0';  // now: the format may lie in the text that is about to change
+    return at;
   }
 
-  const KtTime& time() {
-    if (fromClock_ == FromClock::kTime) {
-      clock_.time.Now();
-      time_ = &clock_.time;
-      fromClock_ = FromClock::kNothing;
-    }
-    return *time_;
+private:
+  static constexpr unsigned char partOf(FromClock fromClock) {
+    if (fromClock == FromClock::kNothing) return 0;
+    return fromClock == FromClock::kDate ? Directives::kDate : Directives::kTime;
   }
+
+  // The part that the value lacks.
+  [[gnu::noinline]] void readClock() {
+    std::memcpy(static_cast<void*>(&completed_), value_, kValueSize);
+    if (missing_ == Directives::kDate) {
+      completed_.date.Today();
+    } else {
+      completed_.time.Now();
+    }
+    value_ = reinterpret_cast<const signed char*>(&completed_);
+    missing_ = 0;
+  }
+
+  int year() const {
+    std::int16_t year;
+    std::memcpy(&year, value_, sizeof year);
+    return year;
+  }
+  int month() const { return value_[offsetof(KtDate, month)]; }
+  int day() const { return value_[offsetof(KtDate, day)]; }
+  int hour() const { return value_[offsetof(KtDateTime, time)]; }
 
   // 1 to 12 where am or pm is printed too, else 0 to 12.
-  int hourOfTwelve() {
-    const int hour = time().hour;
+  int hourOfTwelve(int hour) const {
     if (hour > 12) return hour - 12;
     return hour == 0 && holdsHalfDay(format_) ? 12 : hour;
   }
 
-  char* putWeekday(char* at, bool isShort) {
-    const Name& name = weekdayOf(date());
-    return putName(at, name, isShort ? kShortName : name.length);
+  static char* putName(char* at, const Name& name, bool isShort) {
+    std::memcpy(at, name.text, kShortName);
+    if (isShort) return at + kShortName;
+    std::memcpy(at + kShortName, name.text + kShortName, name.length - kShortName);
+    return at + name.length;
   }
 
-  char* putMonth(char* at, bool isShort) {
-    const auto index = static_cast<unsigned>(date().month) - 1;
-    if (index >= 12) return putNumber(at, date().month, 3);
-    return putName(at, kMonths[index], isShort ? kShortName : kMonths[index].length);
+  static char* putMonth(char* at, int month, bool isShort) {
+    const auto index = static_cast<unsigned>(month) - 1;
+    return index < 12 ? putName(at, kMonths[index], isShort) : putNumber(at, month, 3);
   }
 
-  char* putHalfDay(char* at, char morning, char afternoon, char m) {
-    *at++ = time().hour >= 12 ? afternoon : morning;
+  static char* putHalfDay(char* at, char half, char m) {
+    *at++ = half;
     *at++ = m;
     return at;
   }
 
-  char* put(char* at, char directive) {
-    switch (directive) {
-      case 'a': return putWeekday(at, true);
-      case 'A': return putWeekday(at, false);
-      case 'b': return putMonth(at, true);
-      case 'B': return putMonth(at, false);
-      case 'd':
-      case 'e': return putPair(at, date().day);
-      case 'H': return putPair(at, time().hour);
-      case 'I': return putPair(at, hourOfTwelve());
-      case 'M': return putPair(at, time().minute);
-      case 'm': return putPair(at, date().month);
-      case 'p': return putHalfDay(at, 'a', 'p', 'm');
-      case 'P': return putHalfDay(at, 'A', 'P', 'M');
-      case 'S': return putPair(at, time().second);
-      case 'Y': return putYear(at, date().year);
-      case 'y': return putPair(at, date().year % 100);
-      default: *at++ = directive; return at;
+  char* put(char* at, char letter) const {
+    switch (letter) {
+      case 'a':
+      case 'A': return putName(at, weekdayOf(KtDate(year(), month(), day())), letter == 'a');
+      case 'b':
+      case 'B': return putMonth(at, month(), letter == 'b');
+      case 'I': return putPair(at, hourOfTwelve(hour()));
+      case 'p': return putHalfDay(at, hour() >= 12 ? 'p' : 'a', 'm');
+      case 'P': return putHalfDay(at, hour() >= 12 ? 'P' : 'A', 'M');
+      case 'y': return putPair(at, year() % 100);
+      default: *at++ = letter; return at;
     }
   }
 
-  KtString& out_;
-  const KtDate* date_;
-  const KtTime* time_;
-  FromClock fromClock_;
-  KtDateTime clock_{KtDate(0, 0, 0), KtTime(0, 0, 0)};
-  const char* format_ = nullptr;
-  char* at_;
-  char buffer_[256];
+  const signed char* value_;
+  KtDateTime completed_{KtDate(0, 0, 0), KtTime(0, 0, 0)};
+  unsigned char missing_;  // the part that the clock gives, until it was read
+  const char* format_;
+  const char* next_;
+  bool isDone_;
 };
+
+// Prints behind the text as far as its block goes, unless the characters need a conversion or the text holds the format.
+inline void printInBlock(KtString& out, Printer& printer, const char* format) {
+  const unsigned long size = out.bufferSize;
+  if (size == 0 || out.codeSet != narrowSet() || mayHoldZero(out.buffer, size)) return;
+  const auto isWithin = [&out](const char* p) {
+    return !std::less<>()(p, out.buffer) && std::less<>()(p, out.buffer + out.bufferSize);
+  };
+  if (isWithin(format)) return;
+  char* const begin = out.buffer + size - 1;
+  const unsigned long block = blockSize(size);
+  // A block always has a byte to spare behind the terminator.
+  const char* const end = out.buffer + (block < kMaxTextBytes ? block - 2 : kMaxTextBytes - 1);
+  char* const at = printer.print(begin, end);
+  if (at == begin) return;
+  const unsigned long newSize = size + static_cast<unsigned long>(at - begin);
+  *at = '\0';
+  noteMayHoldZero(out.buffer, newSize, false);
+  out.bufferSize = static_cast<std::uint16_t>(newSize);
+}
+
+[[gnu::noinline]] void printByPieces(KtString& out, Printer& printer) {
+  char piece[256];
+  while (!printer.isDone()) {
+    const char* end = printer.print(piece, piece + sizeof piece);
+    append(out, piece, narrowSet(), static_cast<unsigned long>(end - piece));
+  }
+}
 
 // --- scanning -------------------------------------------------------------------------------------------------------
 
@@ -242,7 +317,7 @@ public:
   [[gnu::always_inline]] inline Fields scan(const char* format) {
     for (; *format != '\0'; ++format) {
       if (*format != '%') {
-        skip(1);
+        at_ += at_ != end_;
       } else if (*++format == '\0') {
         break;
       } else {
@@ -263,14 +338,21 @@ private:
   // Nearly always there are just the digits.
   template <int kWidth, class Field>
   void number(Field& field) {
-    unsigned number = 0;
-    bool isPlain = end_ - at_ >= kWidth;
-    for (int i = 0; isPlain && i < kWidth; ++i) {
-      const unsigned digit = static_cast<unsigned char>(at_[i]) - unsigned{'0'};
-      isPlain = digit < 10;
-      number = 10 * number + digit;
+    if (end_ - at_ >= kWidth) [[likely]] {
+      unsigned number = 0;
+      int i = 0;
+      for (; i < kWidth; ++i) {
+        const unsigned digit = static_cast<unsigned char>(at_[i]) - unsigned{'0'};
+        if (digit >= 10) break;
+        number = 10 * number + digit;
+      }
+      if (i == kWidth) [[likely]] {
+        field = static_cast<Field>(number);
+        at_ += kWidth;
+        return;
+      }
     }
-    field = static_cast<Field>(isPlain ? static_cast<int>(number) : unusualNumber(at_, end_, kWidth, field));
+    field = static_cast<Field>(unusualNumber(at_, end_, kWidth, field));
     skip(kWidth);
   }
 
@@ -341,9 +423,17 @@ inline std::uint64_t scanFrom(const KtString& in, const char* format, const Fiel
 
 const char* weekdayName(const KtDate& date) { return weekdayOf(date).text; }
 
-KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format, FromClock fromClock) {
-  if (value.IsNullValue()) return out = nullPrintString();
-  Printer(out, value, fromClock).print(format);
+KtString& printDateTime(KtString& out, const void* value, const char* format, FromClock fromClock) {
+  constexpr signed char kNullPart[] = {-128, -128, -128, -128, -128};  // of the time, and month and day of the date
+  const auto* fields = static_cast<const signed char*>(value);
+  if (fields[2] == kNullPart[0] && std::memcmp(fields + 2, kNullPart, sizeof kNullPart) == 0) {
+    std::int16_t year;
+    std::memcpy(&year, value, sizeof year);
+    if (year == -32768) return out = nullPrintString();
+  }
+  Printer printer(value, format, fromClock);
+  printInBlock(out, printer, format);
+  if (!printer.isDone()) printByPieces(out, printer);
   return out;
 }
 

@@ -18,8 +18,13 @@ enum class FromClock { kNothing, kDate, kTime };
 constexpr char kDateTimeFormat[] = "%Y-%m-%dT%H:%M:%S";
 
 // Appends the value to out, or replaces out by the null print string when both parts of the value are null. Returns out.
-KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format,
+// The value is that of the 7 bytes at value, which need no alignment.
+KtString& printDateTime(KtString& out, const void* value, const char* format,
                         FromClock fromClock = FromClock::kNothing);
+inline KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format,
+                               FromClock fromClock = FromClock::kNothing) {
+  return printDateTime(out, static_cast<const void*>(&value), format, fromClock);
+}
 
 // What the text holds; null when it begins with the null print string; a valid value or 0000-00-00 00:00:00 else.
 KtDateTime scanDateTime(const KtString& in, const char* format);

@@ -56,8 +56,8 @@ KtDateTime& KtDateTime::NowUTC() {
 }
 
 const KtDateTime& KtDateTime::Null() {
-  static constexpr KtDateTime zeros(KtDate(0, 0, 0), KtTime(0, 0, 0));
-  return zeros;
+  static constexpr KtDateTime kZeros(KtDate(0, 0, 0), KtTime(0, 0, 0));
+  return kZeros;
 }
 
 int KtDateTime::ToLocalTime() { return shiftByOffset(*this, 1); }

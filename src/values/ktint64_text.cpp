@@ -2,9 +2,9 @@
 #include "ktint64.h"
 
 #include "ktstring.h"
+#include "text/integer_digits.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
-#include "values/integer_digits.h"
 #include "values/narrow_text.h"
 #include "values/string_edit.h"
 
@@ -13,8 +13,6 @@
 namespace {
 
 constexpr char kDefaultFormat[] = "%S";
-constexpr unsigned kLowerGap = 'a' - '9' - 1;
-constexpr unsigned kUpperGap = 'A' - '9' - 1;
 
 bool isConversion(const char* format) {
   if (format[0] != '%') return false;
@@ -34,24 +32,29 @@ bool isConversion(const char* format) {
 static_assert(kt::kShortRoom >= 3 + kt::kDigitRoom);  // a sign, 0x, the digits
 
 // Writes one conversion and returns its end; kShortRoom bytes may be written.
-char* writeNumber(char* at, const KtInt64& number, char directive) {
+[[gnu::always_inline]] inline char* writeNumber(char* at, const KtInt64& number, char directive) {
   const std::uint64_t magnitude = number.Abs().Bits();
   const bool isDecimal = directive != 'o' && directive != 'x' && directive != 'X';
   // The least number has no positive counterpart: beyond base 10 it stands without a sign.
-  if (number.high < 0 && (isDecimal || static_cast<std::int64_t>(magnitude) >= 0)) *at++ = '-';
-  if (isDecimal) return kt::writeDigits<10>(at, magnitude, 0);
+  const bool hasSign = number.high < 0 && (isDecimal || static_cast<std::int64_t>(magnitude) >= 0);
+  *at = '-';
+  at += hasSign ? 1 : 0;
+  if (isDecimal) return kt::writeDigits<10>(at, magnitude);
   *at++ = '0';
-  if (directive == 'o') return kt::writeDigits<8>(at, magnitude, 0);
+  if (directive == 'o') return kt::writeDigits<8>(at, magnitude);
   *at++ = directive;
-  return kt::writeDigits<16>(at, magnitude, directive == 'x' ? kLowerGap : kUpperGap);
+  return kt::writeDigits<16>(at, magnitude, directive == 'x' ? kt::kLowerCaseGap : kt::kUpperCaseGap);
+}
+
+// Straight into the string's block, where it has the room.
+inline bool appendInPlace(KtString& out, const KtInt64& number, char directive) {
+  char* const behind = kt::roomBehind(out);
+  if (behind == nullptr) return false;
+  kt::grow(out, writeNumber(behind, number, directive));
+  return true;
 }
 
 void appendNumber(KtString& out, const KtInt64& number, char directive) {
-  char* const behind = kt::roomBehind(out);
-  if (behind != nullptr) {
-    kt::grow(out, static_cast<unsigned long>(writeNumber(behind, number, directive) - behind));
-    return;
-  }
   char text[kt::kShortRoom];
   kt::appendShort(out, text, static_cast<unsigned long>(writeNumber(text, number, directive) - text));
 }
@@ -60,6 +63,20 @@ void appendNumber(KtString& out, const KtInt64& number, char directive) {
 const char* ordinaryEnd(const char* from) {
   while (*from != '\0' && !isConversion(from)) ++from;
   return from;
+}
+
+[[gnu::noinline]] KtString& printText(KtString& out, const KtInt64& number, const char* format) {
+  while (*format != '\0') {
+    if (isConversion(format)) {
+      appendNumber(out, number, format[1]);
+      format += 2;
+      continue;
+    }
+    const char* end = ordinaryEnd(format);
+    kt::append(out, format, kt::narrowSet(), static_cast<unsigned long>(end - format));
+    format = end;
+  }
+  return out;
 }
 
 // --- scanning -------------------------------------------------------------------------------------------------------
@@ -126,17 +143,9 @@ bool scanText(const char* at, const char* end, const char* format, KtInt64& numb
 
 KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
   if (format == nullptr) format = kDefaultFormat;
-  while (*format != '\0') {
-    if (isConversion(format)) {
-      appendNumber(out, *this, format[1]);
-      format += 2;
-      continue;
-    }
-    const char* end = ordinaryEnd(format);
-    kt::append(out, format, kt::narrowSet(), static_cast<unsigned long>(end - format));
-    format = end;
-  }
-  return out;
+  const bool isNumberOnly = isConversion(format) && format[2] == '\0';
+  if (isNumberOnly && appendInPlace(out, *this, format[1])) return out;
+  return printText(out, *this, format);
 }
 
 void KtInt64::ScanFromKtString(const KtString& in, const char* format) {

@@ -266,7 +266,17 @@ bool assign(KtString& s, const char* source, unsigned char codeSet, unsigned cha
 }
 
 bool assignText(KtString& s, const char* text, unsigned long n) {
-  return assign(s, text, narrowSet(), KtLanguageContext::GetDefaultLanguage(), n);
+  const unsigned char set = narrowSet();
+  const unsigned char language = KtLanguageContext::GetDefaultLanguage();
+  const bool staysSmall = s.buffer != nullptr && s.bufferSize < kSmallestBlock && n + 1 < kSmallestBlock;
+  if (!staysSmall) return assign(s, text, set, language, n);
+  if (n != 0) std::memmove(s.buffer, text, n);
+  s.buffer[n] = '\0';
+  noteMayHoldZero(s.buffer, n + 1, false);
+  s.bufferSize = static_cast<std::uint16_t>(n + 1);
+  s.codeSet = set;
+  s.language = language;
+  return true;
 }
 
 KtString slice(const KtString& s, unsigned long pos, unsigned long count) {

@@ -30,7 +30,8 @@ public:
   bool equals(const char* text) const { return std::strlen(text) == length_ && std::memcmp(text_, text, length_) == 0; }
   // Every text begins with an empty one.
   bool beginsWith(const NarrowText& other) const {
-    return other.length_ <= length_ && std::memcmp(text_, other.text_, other.length_) == 0;
+    if (other.length_ == 0) return true;
+    return other.length_ <= length_ && *text_ == *other.text_ && std::memcmp(text_, other.text_, other.length_) == 0;
   }
 
 private:

@@ -4,6 +4,8 @@
 
 #include "values/blob_search.h"
 
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace kt {
@@ -49,9 +51,40 @@ Split splitOf(Bytes needle, unsigned long n) {
 
 // How many bytes of the two are equal from `from` on, up to n.
 unsigned long equalUpTo(Bytes a, Bytes b, unsigned long from, unsigned long n) {
+  for (; n - from >= 8; from += 8) {
+    std::uint64_t wordA, wordB;
+    std::memcpy(&wordA, a + from, sizeof wordA);
+    std::memcpy(&wordB, b + from, sizeof wordB);
+    const std::uint64_t differs = wordA ^ wordB;
+    if (differs == 0) continue;
+    const int bits = std::endian::native == std::endian::big ? std::countl_zero(differs) : std::countr_zero(differs);
+    return from + static_cast<unsigned long>(bits) / 8;
+  }
   while (from < n && a[from] == b[from]) ++from;
   return from;
 }
+
+// Finds the next place whose byte behind the split is right, once enough places in a row have failed there.
+class SplitByte {
+public:
+  SplitByte(Bytes hay, unsigned long places, Bytes needle, unsigned long split)
+      : hay_(hay + split), places_(places), byte_(needle[split]) {}
+
+  // The place behind `at`, which failed there, or one further on.
+  unsigned long after(unsigned long at) {
+    if (++at >= places_ || ++inARow_ < kPatience) return at;
+    const void* found = std::memchr(hay_ + at, byte_, places_ - at);
+    return found == nullptr ? places_ : static_cast<unsigned long>(static_cast<Bytes>(found) - hay_);
+  }
+  void reset() { inARow_ = 0; }
+
+private:
+  static constexpr unsigned kPatience = 16;
+  Bytes hay_;
+  unsigned long places_;
+  unsigned char byte_;
+  unsigned inARow_ = 0;
+};
 
 // The needle repeats itself: what matched of the next place is remembered, never compared twice.
 unsigned long findPeriodic(Bytes hay, unsigned long places, Bytes needle, unsigned long n, const Split& split) {
@@ -75,8 +108,14 @@ unsigned long findPeriodic(Bytes hay, unsigned long places, Bytes needle, unsign
 
 unsigned long findAperiodic(Bytes hay, unsigned long places, Bytes needle, unsigned long n, unsigned long split) {
   const unsigned long step = (split > n - split ? split : n - split) + 1;
+  SplitByte splitByte(hay, places, needle, split);
   for (unsigned long at = 0; at < places;) {
     const unsigned long equal = equalUpTo(hay + at, needle, split, n);
+    if (equal == split) {
+      at = splitByte.after(at);
+      continue;
+    }
+    splitByte.reset();
     if (equal < n) {
       at += equal - split + 1;
     } else if (std::memcmp(hay + at, needle, split) == 0) {

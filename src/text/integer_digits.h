@@ -5,7 +5,10 @@
 #ifndef KT_INTEGER_DIGITS_H
 #define KT_INTEGER_DIGITS_H
 
+#include <algorithm>
+#include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -53,25 +56,28 @@ inline std::uint64_t splitDigits(std::uint64_t number) {
   }
 }
 
-// '0' to '9', then letters: letterGap lies between '9' + 1 and the first letter.
+// What lies between '9' + 1 and the first letter of hexadecimal digits.
+constexpr unsigned kLowerCaseGap = 'a' - '9' - 1;
+constexpr unsigned kUpperCaseGap = 'A' - '9' - 1;
+
+// '0' to '9', then letters.
 inline std::uint64_t digitCharacters(std::uint64_t digits, unsigned letterGap) {
   const std::uint64_t isLetter = (digits + everyByte(6)) >> 4 & everyByte(1);
   return digits + everyByte('0') + isLetter * letterGap;
 }
 
-// Room that writeDigits needs: 22 digits (2^64 in base 8), and what lies behind the last word.
+// Room for the digits below, and for what lies behind a last word that holds a single one.
 constexpr unsigned kDigitRoom = 32;
 
-inline char* writeWord(char* at, std::uint64_t characters) {
+inline void writeWord(char* at, std::uint64_t characters) {
   characters = bigEndian(characters);
   std::memcpy(at, &characters, 8);
-  return at + 8;
 }
 
-// Writes the digits and returns their end; zero has one digit. Words leave the registers where they belong: copying
-// them once more would wait for the stores.
+// Writes the digits of a number that has at most 24, and returns their end; zero has one digit. Words leave the registers
+// where they belong: copying them once more would wait for the stores.
 template <unsigned kBase>
-inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap) {
+inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0) {
   constexpr std::uint64_t kWord = kEightDigits<kBase>;
   std::uint64_t rest[2];
   unsigned more = 0;
@@ -81,9 +87,33 @@ inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap) {
   }
   const std::uint64_t first = splitDigits<kBase>(number);
   const int zeros = std::countl_zero(first | 1) / 8;
-  at = writeWord(at, digitCharacters(first, letterGap) << 8 * zeros) - zeros;
-  while (more != 0) at = writeWord(at, digitCharacters(splitDigits<kBase>(rest[--more]), letterGap));
+  writeWord(at, digitCharacters(first, letterGap) << 8 * zeros);
+  at += 8 - zeros;
+  for (; more != 0; at += 8) writeWord(at, digitCharacters(splitDigits<kBase>(rest[--more]), letterGap));
   return at;
+}
+
+// Writes the last eight digits of a number, but for `drop` (0 to 7) of them at the front; returns their end.
+inline char* writeLastDigits(char* at, std::uint64_t digits, unsigned letterGap, unsigned drop) {
+  writeWord(at, digitCharacters(digits, letterGap) << 8 * drop);
+  return at + (8 - drop);
+}
+
+// Writes at least `least` digits (1 to 16) of a number that has no more than 16; returns their end.
+template <unsigned kBase>
+inline char* writeAtLeast(char* at, std::uint64_t number, unsigned letterGap, unsigned least) {
+  constexpr std::uint64_t kWord = kEightDigits<kBase>;
+  const auto zerosIn = [](std::uint64_t digits) { return static_cast<unsigned>(std::countl_zero(digits | 1)) / 8; };
+  unsigned wanted = least;
+  if (number >= kWord || least > 8) {
+    const std::uint64_t high = splitDigits<kBase>(number / kWord);
+    wanted = least > 8 ? least - 8 : 1;
+    at = writeLastDigits(at, high, letterGap, std::min(zerosIn(high), 8 - wanted));
+    number %= kWord;
+    wanted = 8;
+  }
+  const std::uint64_t low = splitDigits<kBase>(number);
+  return writeLastDigits(at, low, letterGap, std::min(zerosIn(low), 8 - wanted));
 }
 
 // --- digits to numbers ---------------------------------------------------------------------------------------------
@@ -108,17 +138,19 @@ inline std::uint64_t readCharacters(const char* p, unsigned long n, unsigned lon
   return n == 8 ? word : word | everyByte('0') << 8 * n;
 }
 
-// The values of eight digit characters; false when one of them is no digit of the base.
+// The values of eight digit characters. The result has bits set in the bytes that are no digits of the base.
 template <unsigned kBase>
-inline bool digitValues(std::uint64_t characters, std::uint64_t& digits) {
-  const std::uint64_t isLetter = kBase == 16 ? characters >> 6 & everyByte(1) : 0;
+inline std::uint64_t digitValues(std::uint64_t characters, std::uint64_t& digits) {
+  // Without the highest bits, which no digit has, nothing below carries from a byte into the next.
+  const std::uint64_t ascii = characters & everyByte(0x7F);
+  const std::uint64_t isLetter = kBase == 16 ? ascii >> 6 & everyByte(1) : 0;
   // Below: what must be 0 to 9 for a digit, 1 to 6 for a letter of either case.
-  const std::uint64_t rank = (characters | isLetter << 5) ^ (everyByte(0x30) + isLetter * 0x30);
+  const std::uint64_t rank = (ascii | isLetter << 5) ^ (everyByte(0x30) + isLetter * 0x30);
   digits = rank + isLetter * 9;
   constexpr unsigned kDecimals = kBase < 10 ? kBase : 10;
   const std::uint64_t tooLarge = rank + (everyByte(1) - isLetter) * (16 - kDecimals);
   const std::uint64_t zeroLetter = (rank + isLetter * 15) ^ isLetter << 4;
-  return ((rank | digits | tooLarge | zeroLetter) & everyByte(0xF0)) == 0;
+  return (rank | digits | tooLarge | zeroLetter | (characters & everyByte(0x80))) & everyByte(0xF0);
 }
 
 template <unsigned kBase>
@@ -130,21 +162,60 @@ inline std::uint64_t joinDigits(std::uint64_t digits) {
   return (fours >> 32) * (kBase * kBase * kBase * kBase) + (fours & 0xFFFFFFFFu);
 }
 
+// The value of every hexadecimal digit, 255 for other characters.
+constexpr auto kHexValues = [] {
+  std::array<unsigned char, 256> values{};
+  for (unsigned i = 0; i < values.size(); ++i) {
+    const unsigned letter = i | 0x20;
+    const unsigned value = i >= '0' && i <= '9' ? i - '0' : letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : 255;
+    values[i] = static_cast<unsigned char>(value);
+  }
+  return values;
+}();
+
 // The number that n digit characters stand for, modulo 2^64; false when one of them is no digit of the base. No digits
 // are 0.
 template <unsigned kBase>
 inline bool readDigits(const char* p, unsigned long n, std::uint64_t& number) {
   number = 0;
+  if constexpr (kBase == 16) {
+    // Letters make the words below dear.
+    unsigned all = 0;
+    for (const char* const end = p + n; p != end; ++p) {
+      const unsigned digit = kHexValues[static_cast<unsigned char>(*p)];
+      all |= digit;
+      number = number << 4 | (digit & 15);
+    }
+    return all < 16;
+  }
   unsigned long part = n % 8 == 0 ? 8 : n % 8;
   while (n != 0) {
     std::uint64_t digits;
-    if (!digitValues<kBase>(readCharacters(p, part, n), digits)) return false;
+    if (digitValues<kBase>(readCharacters(p, part, n), digits) != 0) return false;
     number = number * kEightDigits<kBase> + joinDigits<kBase>(digits);
     p += part;
     n -= part;
     part = 8;
   }
   return true;
+}
+
+// Reads the digits that n characters (at least one) begin with, at most eight of them: `number` is continued by them,
+// modulo 2^64. Returns how many they are.
+template <unsigned kBase>
+inline unsigned continueNumber(const char* p, unsigned long n, std::uint64_t& number) {
+  static constexpr auto kPowers = [] {
+    std::array<std::uint64_t, 9> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * kBase;
+    return powers;
+  }();
+  const auto part = static_cast<unsigned>(n < 8 ? n : 8);
+  std::uint64_t digits;
+  const std::uint64_t bad = digitValues<kBase>(readCharacters(p, part, n), digits);
+  const unsigned cut = bad == 0 ? 0 : 8 - static_cast<unsigned>(std::countl_zero(bad)) / 8;
+  if (cut == part) return 0;
+  number = number * kPowers[part - cut] + joinDigits<kBase>(digits >> 8 * cut);
+  return part - cut;
 }
 
 }  // namespace kt
