@@ -284,6 +284,23 @@ TEST(KtBlob, search_of_long_needles_and_of_hays_where_candidates_fail) {
   }
 }
 
+TEST(KtBlob, search_of_hays_of_few_different_bytes) {
+  std::mt19937 random(3);
+  for (const unsigned letters : {2u, 3u, 5u}) {
+    Bytes hay(60000);
+    for (auto& byte : hay) byte = static_cast<unsigned char>(random() % letters);
+    for (const long length : {11L, 12L, 13L, 20L, 47L, 48L, 64L, 511L, 513L, 900L}) {
+      for (const long before : {0L, 1L, 7L, 30000L, 58000L, 59000L}) {
+        const auto begin = hay.end() - length - before;
+        Bytes needle(begin, begin + length);
+        expectFound(hay, needle);
+        needle[random() % needle.size()] ^= 1;
+        expectFound(hay, needle);
+      }
+    }
+  }
+}
+
 TEST(KtBlob, private_conversions_hold_decimal_text_with_its_terminator) {
   using Private = kt::BlobPrivate;
   EXPECT_EQ(textOf(Private::from("abc")), std::string("abc", 4));

@@ -377,4 +377,10 @@ TEST(KtInt64, row_prints_runs_converts_and_defaults_to_zero) {
   EXPECT_TRUE(values[0] == 0);
 }
 
+TEST(KtInt64, prints_by_a_format_that_stands_in_the_target_itself) {
+  KtString text("%S, %S;");
+  KtInt64(7).PrintToKtString(text, text.StrGet());
+  EXPECT_STREQ(text.StrGet(), "%S, %S;7, 7;");
+}
+
 }  // namespace

@@ -301,6 +301,18 @@ TEST(Nullable, printing_and_scanning_follow_the_scalar) {
   EXPECT_STREQ(appended.StrGet(), "n=12");
 }
 
+TEST(Nullable, functions_called_without_a_format_use_that_of_the_row) {
+  KtTypeMgr table(12);
+  LongElement least = {std::numeric_limits<std::int32_t>::min(), 0};
+  const auto print = table.ExchangePrintToKtStringFunc(KT_ID_KtNull_ulong, nullptr);
+  const auto scan = table.ExchangeScanFromKtStringFunc(KT_ID_KtNull_ulong, nullptr);
+  KtString out;
+  EXPECT_STREQ(print(out, &least, nullptr, 1).StrGet(), "2147483648");
+  LongElement back = {1, 1};
+  EXPECT_EQ(scan(&back, out, nullptr, 1), &back);
+  EXPECT_TRUE(back.value == least.value && back.mark == 0);
+}
+
 TEST(Nullable, an_empty_null_text_stands_for_null_only_where_the_text_is_empty) {
   const KtString old = KtTypeMgr::GetNullPrintString();
   KtTypeMgr::SetNullPrintString("");

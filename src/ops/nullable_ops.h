@@ -40,6 +40,32 @@ constexpr std::uint32_t kNullHashWord = 0x4E554C4C;
 bool isNullText(const KtString& text);
 KtString nullText();
 
+// The format of a row, also for who calls its functions without one.
+template <class V>
+inline constexpr const char* kNullableFormat = nullptr;
+template <>
+inline constexpr const char* kNullableFormat<CharValue> = "%c";
+template <>
+inline constexpr const char* kNullableFormat<ByteValue> = "%c";
+template <>
+inline constexpr const char* kNullableFormat<ShortValue> = "%hd";
+template <>
+inline constexpr const char* kNullableFormat<WordValue> = "%hu";
+template <>
+inline constexpr const char* kNullableFormat<IntValue> = "%d";
+template <>
+inline constexpr const char* kNullableFormat<UnsignedValue> = "%u";
+template <>
+inline constexpr const char* kNullableFormat<LongValue> = "%ld";
+template <>
+inline constexpr const char* kNullableFormat<DwordValue> = "%lu";
+template <>
+inline constexpr const char* kNullableFormat<FloatValue> = "%f";
+template <>
+inline constexpr const char* kNullableFormat<DoubleValue> = "%lf";
+template <>
+inline constexpr const char* kNullableFormat<Int64Value> = "%S";
+
 // Moves one column of a run of records: kWidth bytes of each.
 template <unsigned long kWidth>
 inline void moveColumn(unsigned char* dst, unsigned long dstStep, const unsigned char* src, unsigned long srcStep,
@@ -150,7 +176,7 @@ struct NullableValue {
     if (isNull(static_cast<unsigned char*>(value))) {
       out = nullText();
     } else {
-      V::print(out, value, format);
+      V::print(out, value, format == nullptr ? kNullableFormat<V> : format);
     }
   }
   static bool scan(void* value, const KtString& in, const char* format) {
@@ -159,7 +185,7 @@ struct NullableValue {
       setNull(element);
       return true;
     }
-    if (!V::scan(element, in, format)) return false;
+    if (!V::scan(element, in, format == nullptr ? kNullableFormat<V> : format)) return false;
     element[kWidth] = 0;
     return true;
   }

@@ -113,8 +113,11 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
     } else if ((format & kOtherForms) == 0 && holdsTwo(lengthA, lengthB, kEmptyRecord)) {
       const Record x = recordAt(a, format);
       const Record y = recordAt(b, format);
-      if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB))
+      if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB)) {
         if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
+        // The pair at which every look-up ends.
+        if (x.length == y.length && std::memcmp(x.bytes, y.bytes, x.size()) == 0) return 0;
+      }
     }
   }
   return compareMany<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);

@@ -210,8 +210,8 @@ constexpr KtTypeDescriptor stringRow(const char* name) {
 
 // The nullable form of the scalar that V describes.
 template <class V>
-constexpr KtTypeDescriptor nullableRow(const char* name, const char* format) {
-  return rowOf<NullableOps<V>>(name, sizeof(typename NullableValue<V>::Memory), format);
+constexpr KtTypeDescriptor nullableRow(const char* name) {
+  return rowOf<NullableOps<V>>(name, sizeof(typename NullableValue<V>::Memory), kNullableFormat<V>);
 }
 
 constexpr KtTypeDescriptor floatRow() {
@@ -263,17 +263,17 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /* 25 */ intervalRow(),
     /* 26 */ rowOf<Int64Ops>("KtInt64", sizeof(KtInt64), "%S"),
     /* 27 */ rowOf<BooleanOps>("KtBoolean", sizeof(KtBoolean), "noop"),
-    /* 28 */ nullableRow<CharValue>("KtNull_char", "%c"),
-    /* 29 */ nullableRow<ByteValue>("KtNull_uchar", "%c"),
-    /* 30 */ nullableRow<ShortValue>("KtNull_short", "%hd"),
-    /* 31 */ nullableRow<WordValue>("KtNull_ushort", "%hu"),
-    /* 32 */ nullableRow<IntValue>("KtNull_int", "%d"),
-    /* 33 */ nullableRow<UnsignedValue>("KtNull_unsigned", "%u"),
-    /* 34 */ nullableRow<LongValue>("KtNull_long", "%ld"),
-    /* 35 */ nullableRow<DwordValue>("KtNull_ulong", "%lu"),
-    /* 36 */ nullableRow<FloatValue>("KtNull_float", "%f"),
-    /* 37 */ nullableRow<DoubleValue>("KtNull_double", "%lf"),
-    /* 38 */ nullableRow<Int64Value>("KtNull_KtInt64", "%S"),
+    /* 28 */ nullableRow<CharValue>("KtNull_char"),
+    /* 29 */ nullableRow<ByteValue>("KtNull_uchar"),
+    /* 30 */ nullableRow<ShortValue>("KtNull_short"),
+    /* 31 */ nullableRow<WordValue>("KtNull_ushort"),
+    /* 32 */ nullableRow<IntValue>("KtNull_int"),
+    /* 33 */ nullableRow<UnsignedValue>("KtNull_unsigned"),
+    /* 34 */ nullableRow<LongValue>("KtNull_long"),
+    /* 35 */ nullableRow<DwordValue>("KtNull_ulong"),
+    /* 36 */ nullableRow<FloatValue>("KtNull_float"),
+    /* 37 */ nullableRow<DoubleValue>("KtNull_double"),
+    /* 38 */ nullableRow<Int64Value>("KtNull_KtInt64"),
     /* 39 */ rowOf<SealOps>("KtSeal", sizeof(KtSeal), "noop"),
     /* 40 */ illegalRow("illegal", 0, "illegal"),
 };

@@ -226,7 +226,7 @@ public:
       if (from == stop) break;
       if (candidates_.match(from, spent_)) return from;
       ++from;
-      const unsigned long part = stage_ + 1 < kStages ? kShare[stage_] : share;
+      const unsigned long part = stage_ + 1 < kStages ? kShare : share;
       const bool failsOften = spent_ > allowance() + (from - began_) / part;
       if (failsOften && !chooseProbes(from)) break;
     }
@@ -240,7 +240,7 @@ private:
   // much as finding the rarest bytes does.
   static constexpr unsigned long kAllowance = 512;
   static constexpr unsigned long kChoice = 512;
-  static constexpr unsigned long kShare[kStages - 1] = {64, 64, 64};
+  static constexpr unsigned long kShare = 64;  // other probes come at little cost
 
   void setProbe(unsigned probe, unsigned long place) { probes_[probe] = {task_.hay + place, task_.needle[place]}; }
 

@@ -145,7 +145,9 @@ KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
   if (format == nullptr) format = kDefaultFormat;
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
   if (isNumberOnly && appendInPlace(out, *this, format[1])) return out;
-  return printText(out, *this, format);
+  if (!kt::liesIn(out, format)) return printText(out, *this, format);
+  const KtString copy(format);  // of a format that what it prints would overwrite
+  return printText(out, *this, copy.StrGet());
 }
 
 void KtInt64::ScanFromKtString(const KtString& in, const char* format) {

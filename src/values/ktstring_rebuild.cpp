@@ -117,16 +117,10 @@ private:
   char first_[2] = {};
 };
 
-bool pointsInto(const KtString& s, const char* source) {
-  const auto address = reinterpret_cast<std::uintptr_t>(source);
-  const auto begin = reinterpret_cast<std::uintptr_t>(s.buffer);
-  return s.buffer != nullptr && address >= begin && address < begin + s.bufferSize;
-}
-
 // In place nothing may be overwritten that is still to be read: a moving tail, or a conversion, of the own text.
 bool fitsInPlace(const KtString& s, const TextEdit& edit, const Layout& l, const Part& part) {
   if (s.buffer == nullptr || l.gaps || blockSize(l.size) > blockSize(s.bufferSize)) return false;
-  const bool readsOwn = edit.repeat == 1 && pointsInto(s, edit.source);
+  const bool readsOwn = edit.repeat == 1 && liesIn(s, edit.source);
   return !readsOwn || (part.asItStands() && (l.tail == 0 || l.tailFrom == l.tailTo));
 }
 
