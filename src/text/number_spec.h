@@ -7,17 +7,17 @@
 
 namespace kt {
 
-// One conversion specification, that is, what stands behind a percent sign.
+// One conversion directive, that is, what stands behind a percent sign.
 struct NumberSpec {
   enum Flag : unsigned char { kLeft = 1, kPlus = 2, kBlank = 4, kAlternate = 8, kZero = 16 };
 
   unsigned char flags = 0;
   char length = 0;      // 'h', or 'H' for hh; other modifiers have no effect
-  char conversion = 0;  // the character that ends the specification, 0 at the end of the format
+  char conversion = 0;  // the character that ends the directive, 0 at the end of the format
   bool plain = true;    // neither flags, width nor precision
   int width = 0;
   int precision = -1;         // -1: none
-  const char* end = nullptr;  // behind the specification
+  const char* end = nullptr;  // behind the directive
 
   bool has(Flag flag) const { return (flags & flag) != 0; }
 };
@@ -90,7 +90,7 @@ inline NumberSpec parseNumberSpec(const char* at, bool printSyntax) {
   return spec;
 }
 
-// Whether the whole format is one conversion specification, as those of the type table are: then `spec` is it.
+// Whether the whole format is one conversion directive, as those of the type table are: then `spec` is it.
 inline bool parseOnlySpec(const char* format, NumberSpec& spec, bool printSyntax = true) {
   if (format[0] != '%') return false;
   const char* at = format + 1;
