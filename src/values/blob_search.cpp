@@ -155,10 +155,10 @@ public:
   unsigned long repeatsAfter() const { return repeatsAfter_; }
 
 private:
-  static std::uint64_t hash(Bytes p) {
+  static unsigned hash(Bytes p) {
     std::uint64_t gram;
     std::memcpy(&gram, p, sizeof gram);
-    return gram * 0x9E3779B97F4A7C15u >> 52;
+    return static_cast<unsigned>(gram * 0x9E3779B97F4A7C15u >> 52);
   }
   unsigned long last_;
   unsigned long repeatsAfter_ = 0;
