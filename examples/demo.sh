@@ -11,7 +11,7 @@ echo
 echo "== the same by hand"
 show() {
   printf '$ kttm'
-  printf ' %q' "$@"
+  printf ' %s' "$@"
   printf '\n'
   "$KTTM_BIN/kttm" "$@"
 }

@@ -11,9 +11,9 @@
 namespace {
 
 const std::vector<Column> kCountries = {
-    {"name", "KtString"},       {"native_name", "KtString"},       {"capital", "KtString"}, {"area_km2", "double"},
-    {"landlocked", "KtString"}, {"neighbours", "KtString"},        {"cca2", "KtString"},    {"cca3", "KtString"},
-    {"ccn3", "KtString"},       {"founded", "KtDate", "%Y-%m-%d"},
+    {"name", "KtString"},        {"native_name", "KtString"},       {"capital", "KtString"}, {"area_km2", "double"},
+    {"landlocked", "KtBoolean"}, {"neighbours", "KtString"},        {"cca2", "KtString"},    {"cca3", "KtString"},
+    {"ccn3", "KtString"},        {"founded", "KtDate", "%Y-%m-%d"},
 };
 const std::vector<Column> kCities = {
     {"name", "KtString"},   {"country", "KtString"}, {"population", "KtDWord"},
