@@ -1,8 +1,8 @@
 #include "ops/kernels.h"
 
+#include "byte_order.h"
 #include "clones.h"
 
-#include <bit>
 #include <cstring>
 
 namespace kt {
@@ -13,15 +13,6 @@ inline Word read(const unsigned char* p) {
   Word word;
   std::memcpy(&word, p, sizeof word);
   return word;
-}
-
-inline std::uint32_t swapBytes(std::uint32_t v) {
-  return (v >> 24) | ((v >> 8) & 0xFF00u) | ((v << 8) & 0xFF0000u) | (v << 24);
-}
-
-inline std::uint64_t swapBytes(std::uint64_t v) {
-  return (static_cast<std::uint64_t>(swapBytes(static_cast<std::uint32_t>(v))) << 32) |
-         swapBytes(static_cast<std::uint32_t>(v >> 32));
 }
 
 // Four independent sums keep the loads busy; the compiler turns them into vectors.
@@ -141,20 +132,13 @@ KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, 
   return swapped ? xorIeeeRun<std::uint64_t, true>(p, n) : xorIeeeRun<std::uint64_t, false>(p, n);
 }
 
-// The first byte, in memory order, in which two words differ.
-inline unsigned long firstDifference(std::uint64_t difference) {
-  const int bits =
-      std::endian::native == std::endian::little ? std::countr_zero(difference) : std::countl_zero(difference);
-  return static_cast<unsigned long>(bits) / 8;
-}
-
 }  // namespace
 
 unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
   unsigned long i = bytes < kBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
   for (; i + 8 <= bytes; i += 8) {
     const std::uint64_t difference = read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
-    if (difference != 0) return i + firstDifference(difference);
+    if (difference != 0) return i + firstDifferentByte(difference);
   }
   while (i < bytes && a[i] == b[i]) ++i;
   return i;

@@ -3,6 +3,7 @@
 #ifndef KT_OPS_SCALAR_VALUES_H
 #define KT_OPS_SCALAR_VALUES_H
 
+#include "byte_order.h"
 #include "ktstring.h"
 #include "ops/format_code.h"
 #include "ops/kernels.h"
@@ -24,11 +25,6 @@ inline Memory readValue(const void* p) {
   } value;
   std::memcpy(&value, p, sizeof value);
   return std::bit_cast<Memory>(value);
-}
-
-constexpr std::uint16_t swapBytes(std::uint16_t v) { return static_cast<std::uint16_t>(v >> 8 | v << 8); }
-constexpr std::uint32_t swapBytes(std::uint32_t v) {
-  return v >> 24 | (v >> 8 & 0xFF00u) | (v << 8 & 0xFF0000u) | v << 24;
 }
 
 // -1, 0 or +1. A NaN is neither below nor above anything: 0.

@@ -1,10 +1,9 @@
 // str_compare.cpp - byte order, binary order and the three-level order without wildcards.
 #include "str_compare.h"
 
+#include "byte_order.h"
 #include "str_levels.h"
 #include "str_pattern.h"
-
-#include <bit>
 
 namespace kt {
 
@@ -16,13 +15,6 @@ bool hasZero(std::uint64_t word) {
   constexpr std::uint64_t kOnes = kCharSize == 1 ? 0x0101010101010101u : 0x0001000100010001u;
   constexpr std::uint64_t kTops = kOnes << (kCharSize * 8 - 1);
   return ((word - kOnes) & ~word & kTops) != 0;
-}
-
-// The index of the first byte, in memory order, in which two words differ.
-unsigned long firstDifferentByte(std::uint64_t difference) {
-  const int bits =
-      std::endian::native == std::endian::little ? std::countr_zero(difference) : std::countl_zero(difference);
-  return static_cast<unsigned long>(bits) / 8;
 }
 
 // Compares one word from character i on: the index of the first difference, kEqual, or kEnds where a zero character
