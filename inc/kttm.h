@@ -26,6 +26,7 @@
 #include "ktstring.h"
 #include "ktstriter.h"
 #include "kttime.h"
+#include "kttypbnd.h"
 #include "kttypcvd.h"
 #include "kttypdsc.h"
 #include "kttypmgr.h"

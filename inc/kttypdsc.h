@@ -6,11 +6,11 @@
 #define KTTYPDSC_H
 
 #include "ktapi.h"
+#include "kttypbnd.h"
 
 class KtString;
 class KtTypeConvertData;
 class MemFile;
-struct KtIdxBounds;
 
 // DISK: type ids are stored in schemas; a number never changes its meaning and is never used again.
 enum KtTypeId : signed char {

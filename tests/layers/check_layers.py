@@ -19,6 +19,7 @@ PUBLIC = {
     "ktchar.h": 1,
     "ktoption.h": 1,
     "ktstriter.h": 1,
+    "kttypbnd.h": 3,
     "kttypdsc.h": 3,
     "kttypcvd.h": 3,
     "kttypops.h": 3,

@@ -81,23 +81,11 @@ bool hashes(const Probe& probe) {
   });
 }
 
-// The record of bound keys is filled where it is known.
-template <class Bounds, class = void>
-constexpr bool kIsKnown = false;
-template <class Bounds>
-constexpr bool kIsKnown<Bounds, std::void_t<decltype(sizeof(Bounds))>> = true;
-
-template <class Bounds>
 unsigned short flagsAfterEstimate(const Probe& probe, Bytes& key, float& share) {
   unsigned short flags = kAllFlags;
-  if constexpr (kIsKnown<Bounds>) {
-    Bounds bounds{};
-    share = manager().EvalAndBound(probe.type.id, nullptr, flags, key.data(), 0, 1, &bounds, nullptr);
-    std::free(bounds.lowKey);
-    std::free(bounds.highKey);
-  } else {
-    share = manager().EvalAndBound(probe.type.id, nullptr, flags, key.data(), 0, 1, nullptr, nullptr);
-  }
+  KtIdxBounds bounds;
+  share = manager().EvalAndBound(probe.type.id, nullptr, flags, key.data(), 0, 1, &bounds, nullptr);
+  KtFreeIdxBounds(&bounds);
   return flags;
 }
 
@@ -106,7 +94,7 @@ bool estimates(const Probe& probe) {
   return probe.any([&](void* value) {
     Bytes key = stored(probe.type.id, value, 0, 1);
     float share = 0;
-    return flagsAfterEstimate<KtIdxBounds>(probe, key, share) != kAllFlags || share > 0;
+    return flagsAfterEstimate(probe, key, share) != kAllFlags || share > 0;
   });
 }
 
