@@ -27,17 +27,6 @@ bool isNewUnicodeOrder() {
   return isNew;
 }
 
-void putWord(unsigned char* at, Weight word) {
-  if constexpr (std::endian::native == std::endian::little) {
-    word = word << 24 | (word & 0xFF00u) << 8 | (word >> 8 & 0xFF00u) | word >> 24;
-  }
-  std::memcpy(at, &word, sizeof word);
-}
-
-Weight getWord(const unsigned char* at) {
-  return Weight{at[0]} << 24 | Weight{at[1]} << 16 | Weight{at[2]} << 8 | at[3];
-}
-
 // What was written of a text.
 struct Written {
   unsigned long bytes;
@@ -58,7 +47,7 @@ Written writeWords(unsigned char* out, unsigned long room, const TextRef&, const
   for (; i < count; ++i) {
     const Weight weight = cursor.weightAt(i);
     if (weight == 0) break;
-    putWord(out + i * kKeyWord, weight);
+    storeKeyWord(out + i * kKeyWord, weight);
   }
   return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0};
 }
@@ -73,7 +62,7 @@ Written writeWords(unsigned char* out, unsigned long room, const TextRef& text, 
     if (weight == 0) break;
     const unsigned unit = loadUnit(text.text, i, rotation);
     all |= unit;
-    putWord(out + i * kKeyWord, weight != kSeveralOrders ? weight : kSeveralOrdersMark | unit << 8);
+    storeKeyWord(out + i * kKeyWord, weight != kSeveralOrders ? weight : kSeveralOrdersMark | unit << 8);
   }
   return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0, all < 256};
 }
@@ -140,7 +129,7 @@ bool KeyRun::next(IndexKey& key) {
 Weight KeyCursor::next() {
   if (pendingCount_ != 0) return pending_[--pendingCount_];
   if (at_ == end_) return 0;
-  const Weight word = getWord(at_);
+  const Weight word = loadKeyWord(at_);
   at_ += kKeyWord;
   return word < kSeveralOrdersMark ? word : firstOfSeveral(word);
 }

@@ -19,6 +19,18 @@ namespace kt {
 constexpr unsigned long kKeyWord = 4;              // DISK: bytes of one character's key
 constexpr Weight kSeveralOrdersMark = 0xFF000000;  // DISK: plus code times 256, of a character with several orders
 
+// Key words are big-endian under every format code.
+inline void storeKeyWord(unsigned char* at, Weight word) {
+  if constexpr (std::endian::native == std::endian::little) {
+    word = word << 24 | (word & 0xFF00u) << 8 | (word >> 8 & 0xFF00u) | word >> 24;
+  }
+  std::memcpy(at, &word, sizeof word);
+}
+
+inline Weight loadKeyWord(const unsigned char* at) {
+  return Weight{at[0]} << 24 | Weight{at[1]} << 16 | Weight{at[2]} << 8 | at[3];
+}
+
 // --- writing ------------------------------------------------------------------------------------------------------
 
 // Writes the key of a text into at most `room` bytes; a key that is too long is cut between two characters. goesOn: the

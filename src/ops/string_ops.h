@@ -4,7 +4,7 @@
 
 #include "kttypops.h"
 #include "ops/handle_arrays.h"
-#include "ops/illegal_ops.h"
+#include "ops/string_estimate.h"
 #include "ops/string_kinds.h"
 #include "ops/string_run_ops.h"
 
@@ -27,7 +27,7 @@ struct StringRowOps : StringArrayOps {
   static constexpr KtSizeGetFunc sizeGet = Kind::kSizeGet;
   static constexpr KtSizeGetFromMemFileFunc sizeGetFromMemFile = Kind::kSizeGetFromMemFile;
   static constexpr KtTypeCmpFunc compare = compareStrings<Kind>;
-  static constexpr KtEvalAndBoundFunc evalAndBound = IllegalOps::evalAndBound;
+  static constexpr KtEvalAndBoundFunc evalAndBound = evalAndBoundStrings<Kind>;
   static constexpr KtHashFunc hash = hashStrings<Kind>;
   static constexpr KtTranslateFunc translate = translateStrings<Kind>;
 

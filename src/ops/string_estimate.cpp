@@ -1,0 +1,132 @@
+// string_estimate.cpp - how much of an index of strings a comparison selects.
+#include "ops/string_estimate.h"
+
+#include "ops/bounds.h"
+#include "ops/order_number.h"
+#include "ops/span_measure.h"
+#include "ops/string_bounds.h"
+#include "ops/string_kinds.h"
+#include "ops/string_run_ops.h"
+
+#include <ktbs.h>
+
+#include <cstdlib>
+
+namespace kt {
+namespace {
+
+constexpr char kSourceFile[] = "src\\kttypevl";
+constexpr int kLengthLine = 612;
+constexpr int kWildcardLine = 748;
+
+constexpr unsigned kAnySide = KtBOUND_EQUAL | KtBOUND_LESS | KtBOUND_GREATER;
+
+// --- the estimate -------------------------------------------------------------------------------------------------
+
+struct BoundKey {
+  unsigned char* bytes;
+  unsigned long size;
+  IndexKey key;
+};
+
+bool readBound(BoundKey& to, unsigned char* bytes, unsigned long size, unsigned char code) {
+  to.bytes = bytes;
+  to.size = size;
+  return bytes != nullptr && size >= kEmptyRecord && KeyRun(bytes, size, code).next(to.key);
+}
+
+// Where the numbers of a bound and of the comparison value tie, the keys decide: one unit for a bound that satisfies the
+// flags. Equality has it in the measure already.
+template <class Kind>
+double tieOf(const BoundKey& bound, Comparison& comparison, unsigned flags, unsigned char code, double unit) {
+  int status;
+  const long order = compareStrings<Kind>(code | kIndexKeyForm, bound.size, bound.bytes, comparison.key.size,
+                                          comparison.key.bytes, kNoWildcards, 1, status);
+  const unsigned side = order < 0 ? KtBOUND_LESS : order > 0 ? KtBOUND_GREATER : 0;
+  return (flags & side) != 0 ? unit : 0;
+}
+
+template <class Kind>
+double selectedArea(const OrderSpans& spans, const BoundKey& low, const BoundKey& high, Comparison& comparison,
+                    unsigned flags, unsigned char code) {
+  const double first = spans.key.first;
+  const double last = comparison.isPattern ? spans.key.last : first;
+  double area = spanMeasure(flags, first, last, spans.low.first, spans.high.first, spans.unit);
+  if (comparison.isPattern) return area;
+  if (spans.low.first == first) area += tieOf<Kind>(low, comparison, flags, code, spans.unit);
+  if (spans.high.first == first) area += tieOf<Kind>(high, comparison, flags, code, spans.unit);
+  return area;
+}
+
+// What begins with a wildcard may stand anywhere.
+void checkWildcard(const Comparison& comparison, unsigned flags, double area, double totalArea) {
+  if (comparison.startsWithWildcard && (flags & kAnySide) != 0 && !(area >= totalArea))
+    KATO_assert("charWildPos != 0 || valueRange >= valueTotalArea", kSourceFile, kWildcardLine);
+}
+
+template <class Kind>
+double estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned flags, unsigned char code) {
+  BoundKey low, high;
+  if (!readBound(low, range.lowKey, range.lowKeyLength, code)) return 0;
+  if (!readBound(high, range.highKey, range.highKeyLength, code)) return 0;
+  if (comparison.startsWithWildcard && (flags & kAnySide) != 0) flags |= KtBOUND_EQUAL;
+  const OrderSpans spans = numberKeys(comparison.literal, low.key, high.key);
+  const double totalArea = spans.high.first - spans.low.first + spans.unit;
+  if (!(totalArea > 0)) return 0;  // the range is upside down
+  const double area = selectedArea<Kind>(spans, low, high, comparison, flags, code);
+  checkWildcard(comparison, flags, area, totalArea);
+  return std::min(area / totalArea, 1.0);
+}
+
+// --- the bounds ---------------------------------------------------------------------------------------------------
+
+void setBound(unsigned char*& bound, unsigned char& boundLength, const KeyBytes& key) {
+  if (key.size > KtINDEX_MAX_KEYLEN) {
+    KATO_assert("actualLen <= KtINDEX_MAX_KEYLEN", kSourceFile, kLengthLine);
+    return;
+  }
+  const unsigned long room = key.size + key.size % 2;
+  auto* copy = static_cast<unsigned char*>(std::malloc(room));
+  if (copy == nullptr) {
+    KtCallMemoryHandler(room);
+    return;
+  }
+  copy[room - 1] = 0;
+  std::memcpy(copy, key.bytes, key.size);
+  bound = copy;
+  boundLength = static_cast<unsigned char>(key.size);
+}
+
+void recordStringBounds(KtIdxBounds& result, const Comparison& comparison, unsigned short& flags, bool knowsNull,
+                        unsigned char code) {
+  flags &= kBoundFlags;
+  KeyBytes key;
+  if (result.lowKey == nullptr && (flags & KtBOUND_LESS) == 0) {
+    writeLowBound(key, comparison, flags, knowsNull, code);
+    setBound(result.lowKey, result.lowKeyLength, key);
+  }
+  if (result.highKey == nullptr && (flags & KtBOUND_GREATER) == 0) {
+    writeHighBound(key, comparison, flags, code);
+    setBound(result.highKey, result.highKeyLength, key);
+  }
+}
+
+}  // namespace
+
+template <class Kind>
+float evalAndBoundStrings(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
+                          unsigned long count, KtIdxBounds* result) {
+  Comparison comparison;
+  if (count == 0 || key == nullptr || !readComparison<Kind>(comparison, key, format)) return 0;
+  const unsigned char code = lowCode(format);
+  const double share = range != nullptr ? estimateShare<Kind>(*range, comparison, flags, code) : 0;
+  if (result != nullptr) recordStringBounds(*result, comparison, flags, Kind::kHasNull, code);
+  return static_cast<float>(share);
+}
+
+#define KT_INSTANTIATE(Kind)                                                                                   \
+  template float evalAndBoundStrings<Kind>(KtIdxBounds*, unsigned short&, void*, unsigned char, unsigned long, \
+                                           KtIdxBounds*);
+KT_FOR_STRING_KINDS(KT_INSTANTIATE)
+
+}  // namespace kt
