@@ -202,6 +202,14 @@ TEST(StringBounds, without_a_value_nothing_is_recorded) {
   }
 }
 
+TEST(StringBounds, keys_lie_in_blocks_of_even_size) {
+  Bounds bounds;
+  estimateRecord(kString, nullptr, kEqual, text("a", 0), &bounds);
+  ASSERT_EQ(bounds.lowKeyLength, 7);
+  EXPECT_EQ(bounds.lowKey[7], 0);  // readable
+  EXPECT_EQ(bounds.highKey[7], 0);
+}
+
 TEST(StringBounds, keys_of_long_texts_are_cut_at_254_bytes) {
   const std::string longText(100, 'a');
   Bounds exact;
@@ -270,6 +278,8 @@ std::vector<KtString> sampleOf(const Texts& texts, std::size_t count) {
     if (random() % 4 == 0)
       for (char16_t& unit : units) unit = unit >= 'a' && unit <= 'z' ? static_cast<char16_t>(unit - 32) : unit;
     if (random() % 4 == 0) units.insert(random() % (units.size() + 1), random() % 2 == 0 ? u" -" : u"- ");
+    if (texts.codeSet == 253 && random() % 6 == 0)  // characters with several orders, of other scripts, ideographs
+      units.insert(random() % (units.size() + 1), 1, u"\uAC00\uFFFE\u7FFF\u0416\u4E2D\u1EBF"[random() % 6]);
     if (random() % 6 == 0) {
       // Alike in far more than an index key holds, but for what tells them apart by case or at the very end.
       std::u16string beginning = random() % 2 == 0 ? u"Saint Thomas " : u"SAINT Thomas- ";
