@@ -221,8 +221,9 @@ void writeLowBound(KeyBytes& to, const Comparison& comparison, unsigned flags, b
   } else {
     copyKey(to, comparison.literal, comparison.literal.isCut, code);
   }
-  const bool isEverything = comparison.isPattern && to.size == kEmptyRecord && knowsNull;
-  if (isEverything) copyKey(to, kNullKey, false, code);
+  // Where wildcards act a null equals the empty string.
+  const bool startsAll = to.size == kEmptyRecord && (comparison.isPattern || (flags & KtBOUND_EQUAL) != 0);
+  if (knowsNull && startsAll && !comparison.literal.isNull()) copyKey(to, kNullKey, false, code);
 }
 
 void writeHighBound(KeyBytes& to, const Comparison& comparison, unsigned flags, unsigned char code) {
