@@ -66,6 +66,7 @@ TEST_P(Laws, order) { expectHolds(kOrder, GetParam()); }
 TEST_P(Laws, total_order) { expectHolds(kTotalOrder, GetParam()); }
 TEST_P(Laws, hash) { expectHolds(kHash, GetParam()); }
 TEST_P(Laws, hash_spreads) { expectHolds(kHashSpreads, GetParam()); }
+TEST_P(Laws, estimate) { expectHolds(kEstimate, GetParam()); }
 TEST_P(Laws, convert) { expectHolds(kConvert, GetParam()); }
 TEST_P(Laws, print_scan) { expectHolds(kPrintScan, GetParam()); }
 
@@ -79,8 +80,8 @@ TEST_P(RowLaws, overrun) { expectHolds(kOverrun, GetParam()); }
 
 // Whether the exception excuses anything at all.
 bool isNeeded(const Row& row, const Exception& e) {
-  for (const Law* law : {&kStoreLoad, &kSizes, &kTranslate, &kOrder, &kTotalOrder, &kHash, &kHashSpreads, &kConvert,
-                         &kPrintScan, &kNull, &kRuns, &kOverrun}) {
+  for (const Law* law : {&kStoreLoad, &kSizes, &kTranslate, &kOrder, &kTotalOrder, &kHash, &kHashSpreads, &kEstimate,
+                         &kConvert, &kPrintScan, &kNull, &kRuns, &kOverrun}) {
     if (std::string_view(e.law) != law->name) continue;
     std::vector<const Sample*> samples = {nullptr};
     if (*e.sample != '\0') samples.clear();

@@ -40,4 +40,11 @@ void* BooleanOps::defaultValue(unsigned long count, int asNull) {
   return values;
 }
 
+float BooleanOps::evalAndBound(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char, unsigned long count,
+                               KtIdxBounds* result) {
+  constexpr float kOneOfThree = 1.0F / 3;
+  recordBounds(result, key, flags, count);
+  return isKnown(range, 1) ? kOneOfThree : 0;
+}
+
 }  // namespace kt

@@ -40,6 +40,9 @@ struct BooleanValue {
 
 struct BooleanOps : ScalarOps<BooleanValue, CountedArrays<KtBoolean>> {
   static constexpr KtTypeCmpFunc compare = &BooleanCompare;
+  // One of null, false and true, where a range is known.
+  static float evalAndBound(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
+                            unsigned long count, KtIdxBounds* result);
   static void* defaultValue(unsigned long count, int asNull);
   static int isNull(void* value) { return readValue<KtBoolean>(value).IsNullValue(); }
   static int setNull(void* value) { return static_cast<KtBoolean*>(value)->SetNullValue(); }

@@ -109,6 +109,10 @@ protected:
 struct DateValue : DateStorage<KtDate>, DateText<KtDate> {
   static std::uint32_t word(unsigned char code, const unsigned char* p);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  // The day number of the fields as they are, those of a null and -1 too: in the order of the dates.
+  static double number(unsigned char code, const unsigned char* p) {
+    return static_cast<double>(loadValue<DateValue>(code, p).dayabs());
+  }
   static KtString toText(const KtDate& v) { return numberText(v); }
   static KtDate fromText(const KtString& s) { return KtDate(static_cast<long>(storedLong(s))); }
 };
@@ -126,6 +130,9 @@ struct TimeValue : DateFamily<KtTime>, DateText<KtTime> {
   }
   static std::uint32_t word(const unsigned char* p);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  static double number(unsigned char code, const unsigned char* p) {
+    return static_cast<double>(static_cast<long>(loadValue<TimeValue>(code, p)));
+  }
   static KtString toText(const KtTime& v) { return numberText(v); }
   static KtTime fromText(const KtString& s) { return KtTime(static_cast<long>(storedLong(s))); }
 };
@@ -145,6 +152,10 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count);
   static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  static double number(unsigned char code, const unsigned char* p) {  // seconds since day 0
+    constexpr double kDay = 86400;
+    return DateValue::number(code, p) * kDay + TimeValue::number(code, p + sizeof(KtDate));
+  }
   static void print(KtString& out, void* value, const char* format) {
     printDateTime(out, value, format == nullptr ? kDateTimeFormat : format);
   }

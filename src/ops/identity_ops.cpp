@@ -143,6 +143,12 @@ std::uint32_t ObjIdDisk::hashWords(unsigned char code, const unsigned char* p, u
   return disk.word(2) ^ disk.half(6);
 }
 
+// 65535, not 65536: the factors here and below are one short of powers of two by rule.
+double ObjIdValue::number(unsigned char code, const unsigned char* p) {
+  const auto id = loadValue<ObjIdValue>(code, p);
+  return id.high * 65535.0 + id.low;
+}
+
 // --- class ids --------------------------------------------------------------------------------------------------------
 
 unsigned long ClassIdDisk::store(void* dst, const void* src, unsigned char format, unsigned long count) {
@@ -184,6 +190,22 @@ std::uint32_t RefDisk::hashWords(unsigned char code, const unsigned char* p, uns
   if (code != kMemoryForm) return id.word(0) ^ id.half(4) ^ id.half(6);
   const Window rest(xorWindows(p + kDatabaseInMemory, n, sizeof(KtRef)), code);
   return id.word(0) ^ id.half(4) ^ rest.half(0);
+}
+
+float RefOps::evalAndBound(KtIdxBounds*, unsigned short& flags, void* key, unsigned char format, unsigned long count,
+                           KtIdxBounds* result) {
+  constexpr double kAll = 18446744065119617024.0;  // references, a little more than there are numbers below
+  flags &= kBoundFlags;
+  double measure = 0;
+  if (count != 0) {
+    const auto ref = loadValue<IdentityValue<KtRef, RefDisk>>(lowCode(format), key);
+    const double number = (ref.database * 65535.0 + ref.high) * 4294967295.0 + ref.low;
+    if ((flags & KtBOUND_LESS) != 0) measure = number;
+    if ((flags & KtBOUND_GREATER) != 0) measure += kAll - (number + 1);
+    if ((flags & KtBOUND_EQUAL) != 0) measure += 1;
+  }
+  recordBounds(result, key, flags, RefDisk::kSize * count);
+  return shareOf(measure, kAll);
 }
 
 }  // namespace kt

@@ -142,14 +142,26 @@ struct IdentityOps : ScalarOps<V, PlainArrays<typename V::Memory, true>> {
   static void* defaultValue(unsigned long count, int) { return convertEmptyStrings(&Base::convertFrom, count); }
 };
 
-struct ObjIdOps : IdentityOps<IdentityValue<KtObjId, ObjIdDisk>> {
+struct ObjIdValue : IdentityValue<KtObjId, ObjIdDisk> {
+  static constexpr KeyRange<double> kUnknownRange{0, 0};
+  static double number(unsigned char code, const unsigned char* p);
+};
+
+struct ObjIdOps : IdentityOps<ObjIdValue> {
   static constexpr KtTypeCmpFunc compare = &ObjIdCompare;
 };
 struct ClassIdOps : IdentityOps<IdentityValue<KtClassId, ClassIdDisk>> {
   static constexpr KtTypeCmpFunc compare = &ClassIdCompare;
+  // No index narrows by class: everything is selected, and nothing bounds the scan.
+  static float evalAndBound(KtIdxBounds*, unsigned short&, void*, unsigned char, unsigned long, KtIdxBounds*) {
+    return 1;
+  }
 };
 struct RefOps : IdentityOps<IdentityValue<KtRef, RefDisk>> {
   static constexpr KtTypeCmpFunc compare = &RefCompare;
+  // The share of all references there can be, whatever the range; the flags are always masked.
+  static float evalAndBound(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
+                            unsigned long count, KtIdxBounds* result);
 };
 
 }  // namespace kt

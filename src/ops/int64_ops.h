@@ -18,6 +18,10 @@ struct Int64Value : ScalarCompare<Int64Value, KtInt64> {
     return store(dst, src, f, n);
   }
   static unsigned long fileSize(unsigned char, unsigned long count) { return 8 * count; }
+  static double number(unsigned char code, const unsigned char* p) {
+    const auto value = loadValue<Int64Value>(code, p);
+    return value.high * 4294967296.0 + value.low;
+  }
   // A value's word is low ^ high.
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
     return LongValue::hashWords(code, p, 2 * n);

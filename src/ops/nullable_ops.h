@@ -98,6 +98,12 @@ struct NullableValue {
     return nulls == KtNULL_UNKNOWN ? V::compareDisk(code, a + value, b + value) : KtNullRelationResult(nulls);
   }
 
+  static NullableNumber number(unsigned char code, const unsigned char* p) {
+    const Record record = packedRecord(code);
+    const bool null = p[record.mark] == kNull;
+    return {null ? 0 : V::number(code, p + record.value), null};
+  }
+
   // --- store, load, hash: block by block the bare values, which are a run of the scalar -----------------------------
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count) {
     const Record record = packedRecord(lowCode(format));

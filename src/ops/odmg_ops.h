@@ -17,6 +17,12 @@ namespace kt {
 struct OdmgDateValue : DateStorage<d_Date> {
   static std::uint32_t word(unsigned char code, const unsigned char* p);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  // The absolute date. Years before 0 come last, as they do on disk: they count as the unsigned numbers.
+  static double number(unsigned char code, const unsigned char* p) {
+    constexpr double kDaysOfAllYears = 65536 * 365.2425;
+    const auto date = loadValue<OdmgDateValue>(code, p);
+    return static_cast<double>(date.getAbsDate()) + (date.year < 0 ? kDaysOfAllYears : 0);
+  }
   static KtString toText(const d_Date& v);
   static d_Date fromText(const KtString& s);
   static void print(KtString& out, void* value, const char* format);
@@ -36,6 +42,12 @@ struct OdmgTimeValue : DateFamily<d_Time> {
   }
   static std::uint32_t word(unsigned char code, const unsigned char* p);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  // Hundredths of a second in the zone, the zones one after the other: the order on disk, in which indexes are sorted.
+  static double number(unsigned char code, const unsigned char* p) {
+    constexpr double kDay = 8640000;
+    const auto time = loadValue<OdmgTimeValue>(code, p);
+    return (time.tz_hour * 60 + time.tz_minute) * kDay + static_cast<double>(time.LocalHundredths());
+  }
   static KtString toText(const d_Time& v);
   static d_Time fromText(const KtString& s);
   static void print(KtString& out, void* value, const char* format);
@@ -49,6 +61,12 @@ struct OdmgTimestampValue : DateFamily<d_Timestamp> {
     return store(dst, src, format, count);
   }
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
+  // The instant, in hundredths of a second: off the order on disk by no more than the zones differ.
+  static double number(unsigned char code, const unsigned char* p) {
+    constexpr double kDay = 8640000;
+    const auto time = loadValue<OdmgTimeValue>(code, p + sizeof(d_Date));
+    return OdmgDateValue::number(code, p) * kDay + static_cast<double>(time.UniversalHundredths());
+  }
   static KtString toText(const d_Timestamp& v);
   static d_Timestamp fromText(const KtString& s);
   static void print(KtString& out, void* value, const char* format);

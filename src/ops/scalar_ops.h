@@ -4,8 +4,8 @@
 #define KT_OPS_SCALAR_OPS_H
 
 #include "kttypdsc.h"
-#include "ops/illegal_ops.h"
 #include "ops/run_compare.h"
+#include "ops/run_estimate.h"
 #include "ops/run_hash.h"
 #include "ops/scalar_values.h"
 #include "ops/string_array.h"
@@ -114,7 +114,10 @@ struct ScalarOps {
     return compareOperation<V>(format, lengthA, a, lengthB, b, count, status);
   }
 
-  static constexpr KtEvalAndBoundFunc evalAndBound = &IllegalOps::evalAndBound;
+  static float evalAndBound(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
+                            unsigned long count, KtIdxBounds* result) {
+    return evalAndBoundOperation<V>(range, flags, key, format, count, result);
+  }
 
   static unsigned long hash(unsigned char format, unsigned long length, void* values, unsigned long count,
                             int& status) {

@@ -1,5 +1,5 @@
-// scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed, converted, and
-// printed and scanned by a format (scan tells whether the text matched).
+// scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed, estimated,
+// converted, and printed and scanned by a format (scan tells whether the text matched).
 #ifndef KT_OPS_SCALAR_VALUES_H
 #define KT_OPS_SCALAR_VALUES_H
 
@@ -27,6 +27,14 @@ inline Memory readValue(const void* p) {
   return std::bit_cast<Memory>(value);
 }
 
+// One value from its disk form.
+template <class V>
+inline typename V::Memory loadValue(unsigned char code, const void* p) {
+  unsigned char memory[sizeof(typename V::Memory)] = {};
+  V::load(memory, p, code, 1);
+  return readValue<typename V::Memory>(memory);
+}
+
 // -1, 0 or +1. A NaN is neither below nor above anything: 0.
 template <class Memory>
 inline long threeWay(Memory a, Memory b) {
@@ -49,6 +57,9 @@ struct ScalarCompare {
     V::load(&valueA, a, code, 1);
     V::load(&valueB, b, code, 1);
     return threeWay(valueA, valueB);
+  }
+  static double number(unsigned char code, const unsigned char* p) {
+    return static_cast<double>(loadValue<V>(code, p));
   }
 };
 
@@ -148,6 +159,7 @@ struct IntFamily {
     IntLoad(&valueB, b, code, 1);
     return threeWay(valueA, valueB);
   }
+  static double number(unsigned char code, const unsigned char* p) { return loadValue<IntFamily>(code, p); }
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return kUnsignedStorage ? UnsignedStore(dst, src, f, n) : IntStore(dst, src, f, n);
   }
@@ -177,7 +189,12 @@ using UnsignedValue = IntFamily<std::uint32_t, true>;
 struct EnumValue : IntValue {};
 
 // --- IEEE numbers: -0 equals 0, NaN everything ----------------------------------------------------------------------
+// The width of a range of fractions says little about the number of keys in it: an estimate of next to nothing would
+// pass for certainty. It stops at the step between 1 and the next float.
+constexpr double kLeastRealShare = 1.1920928955078125e-7;
+
 struct FloatValue : ScalarCompare<FloatValue, float> {
+  static constexpr double kLeastShare = kLeastRealShare;
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return FloatStore(dst, src, f, n);
   }
@@ -197,6 +214,7 @@ struct FloatValue : ScalarCompare<FloatValue, float> {
 };
 
 struct DoubleValue : ScalarCompare<DoubleValue, double> {
+  static constexpr double kLeastShare = kLeastRealShare;
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return DoubleStore(dst, src, f, n);
   }

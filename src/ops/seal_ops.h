@@ -31,6 +31,10 @@ struct SealValue {
     return store(dst, src, f, n);
   }
   static unsigned long fileSize(unsigned char, unsigned long count) { return sizeof(KtSeal) * count; }
+  static double number(unsigned char code, const unsigned char* p) {
+    const auto seal = loadValue<SealValue>(code, p);
+    return (seal.highWord * 65536.0 + seal.middleWord) * 65536.0 + seal.lowWord;
+  }
   // A value's word is the exclusive or of its three 16-bit words.
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
     const bool native = code == kMemoryForm || code == kMemoryLayout;

@@ -95,7 +95,7 @@ constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtT
           .SizeGet = helpers.sizeGet,
           .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
           .Compare = compare,
-          .EvalAndBound = IllegalOps::evalAndBound,
+          .EvalAndBound = Ops::evalAndBound,
           .Hash = Ops::hash,
           .ConvertTo = Ops::convertTo,
           .ConvertFrom = Ops::convertFrom,
@@ -115,13 +115,15 @@ constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtT
           .Reserved = nullptr};
 }
 
-// A row that shares all operations of `base` but for its unsigned order and hash.
+// A row that shares all operations of `base` but for its unsigned order, estimate and hash, those of V.
+template <class V>
 constexpr KtTypeDescriptor unsignedTwin(KtTypeDescriptor base, const char* name, const char* format,
-                                        KtTypeCmpFunc compare, KtHashFunc hash) {
+                                        KtTypeCmpFunc compare) {
   base.Name = name;
   base.Format = format;
   base.Compare = compare;
-  base.Hash = hash;
+  base.EvalAndBound = ScalarOps<V>::evalAndBound;
+  base.Hash = ScalarOps<V>::hash;
   return base;
 }
 
@@ -143,14 +145,14 @@ constexpr KtTypeDescriptor longRow() {
   return scalarRow<LongValue>("long", {"%ld", printLong, scanLong}, LongCompare, longHelpers());
 }
 constexpr KtTypeDescriptor dwordRow(const char* name, const char* format) {
-  return unsignedTwin(longRow(), name, format, DwordCompare, ScalarOps<DwordValue>::hash);
+  return unsignedTwin<DwordValue>(longRow(), name, format, DwordCompare);
 }
 constexpr KtTypeDescriptor intRow() {
   return scalarRow<IntValue>("int", {"%d", printLong, scanLong}, IntCompare, intHelpers());
 }
 
 constexpr KtTypeDescriptor unsignedRow() {
-  KtTypeDescriptor row = unsignedTwin(intRow(), "unsigned", "%u", UnsignedCompare, ScalarOps<UnsignedValue>::hash);
+  KtTypeDescriptor row = unsignedTwin<UnsignedValue>(intRow(), "unsigned", "%u", UnsignedCompare);
   row.Store = unsignedHelpers().store;
   row.Load = unsignedHelpers().load;
   row.Translate = ScalarOps<UnsignedValue>::translate;
@@ -240,12 +242,12 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /*  2 */ longRow(),
     /*  3 */ scalarRow<DoubleValue>("double", {"%lf", printDouble, scanDouble}, DoubleCompare, doubleHelpers()),
     /*  4 */ floatRow(),
-    /*  5 */ unsignedTwin(shortRow(), "KtWord", "%hu", WordCompare, ScalarOps<WordValue>::hash),
+    /*  5 */ unsignedTwin<WordValue>(shortRow(), "KtWord", "%hu", WordCompare),
     /*  6 */ dwordRow("KtDWord", "%lu"),
     /*  7 */ intRow(),
     /*  8 */ unsignedRow(),
     /*  9 */ enumRow(),
-    /* 10 */ unsignedTwin(charRow(), "KtByte", "%c", ByteCompare, ScalarOps<ByteValue>::hash),
+    /* 10 */ unsignedTwin<ByteValue>(charRow(), "KtByte", "%c", ByteCompare),
     /* 11 */ stringRow<StringOps>("KtString"),
     /* 12 */ rowOf<KtDateOps>("KtDate", sizeof(KtDate), "%a %e.%b %Y"),
     /* 13 */ rowOf<KtTimeOps>("KtTime", sizeof(KtTime), "%I:%M:%S %p"),

@@ -22,7 +22,8 @@ struct Law {
   void (*check)(const Row& row, const Sample* sample, Findings& findings);
 };
 
-extern const Law kStoreLoad, kSizes, kTranslate, kOrder, kTotalOrder, kHash, kHashSpreads, kConvert, kPrintScan;
+extern const Law kStoreLoad, kSizes, kTranslate, kOrder, kTotalOrder, kHash, kHashSpreads, kEstimate, kConvert,
+    kPrintScan;
 extern const Law kNull, kRuns, kOverrun;  // of rows
 
 KtTypeMgr& managerOf(const Row& row);
