@@ -54,6 +54,6 @@ run_examples() {
 while IFS='|' read -r code input wanted arguments; do
   [[ -z $code || $code == "#"* ]] || run_case "$code" "$input" "$wanted" "$arguments"
 done <"$(dirname "$0")/cases.txt"
-for command in types encode decode compare hash sort convert order key; do run_examples "$command"; done
+for command in types encode decode compare hash sort estimate convert order key; do run_examples "$command"; done
 printf '%d cases, %d failed\n' "$ran" "$failed"
 exit $((failed > 0))

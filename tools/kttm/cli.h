@@ -18,6 +18,7 @@ void addDecode(CLI::App& app);
 void addCompare(CLI::App& app);
 void addHash(CLI::App& app);
 void addSort(CLI::App& app);
+void addEstimate(CLI::App& app);
 void addConvert(CLI::App& app);
 void addOrder(CLI::App& app);
 void addKey(CLI::App& app);

@@ -1,5 +1,5 @@
-// kttm - looks into stored values: prints, encodes, decodes, compares, hashes, sorts and converts them, and shows how
-// texts sort.
+// kttm - looks into stored values: prints, encodes, decodes, compares, hashes, sorts, estimates and converts them, and
+// shows how texts sort.
 //
 // Exit codes: 0 done, 2 a mistake in the arguments or the data, told on stderr as "kttm: ...".
 #include "cli.h"
@@ -41,6 +41,7 @@ void addCommands(CLI::App& app) {
   tool::addCompare(app);
   tool::addHash(app);
   tool::addSort(app);
+  tool::addEstimate(app);
   tool::addConvert(app);
   tool::addOrder(app);
   tool::addKey(app);

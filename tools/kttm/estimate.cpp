@@ -1,0 +1,144 @@
+// estimate: the share of an index that a comparison selects, and the keys that bound the scan.
+#include "cli.h"
+#include "error.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <memory>
+
+namespace tool {
+namespace {
+
+constexpr unsigned char kIndexKey = 0x80;  // asks for the form that a value has in an index
+
+struct Comparison {
+  const char* text;
+  unsigned short flags;
+};
+constexpr Comparison kComparisons[] = {
+    {"=", KtBOUND_EQUAL},
+    {"<", KtBOUND_LESS},
+    {"<=", KtBOUND_LESS | KtBOUND_EQUAL},
+    {">", KtBOUND_GREATER},
+    {">=", KtBOUND_GREATER | KtBOUND_EQUAL},
+    {"!=", KtBOUND_LESS | KtBOUND_GREATER},
+};
+
+unsigned short parseComparison(const std::string& text) {
+  for (const Comparison& comparison : kComparisons) {
+    if (text == comparison.text) return comparison.flags;
+  }
+  throw Error("unknown comparison \"" + text + "\"; known are =, <, <=, >, >= and !=");
+}
+
+// The value's bytes in an index, at most as many as a key has there.
+Bytes indexKey(const Values& value, unsigned char form) {
+  const auto keyForm = static_cast<unsigned char>(form | kIndexKey);
+  const unsigned long size = storedSize(value.id(), value.at(0), keyForm, 1);
+  Bytes key(std::min<unsigned long>(size, KtINDEX_MAX_KEYLEN));
+  key.resize(manager().Translate(value.id(), key.data(), keyForm, key.size(), value.at(0), kMemoryForm,
+                                 manager().MemLenGet(value.id(), 1), 1));
+  return key;
+}
+
+// The bounds that an estimate set.
+struct Bounds : KtIdxBounds {
+  Bounds() = default;
+  Bounds(const Bounds&) = delete;
+  Bounds& operator=(const Bounds&) = delete;
+  ~Bounds() { KtFreeIdxBounds(this); }
+};
+
+std::string shortest(float number) {
+  char digits[32];
+  return std::string(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+struct Estimate {
+  CLI::Option* type;
+  CLI::Option* key;
+  CLI::Option* comparison;
+  CLI::Option* low;
+  CLI::Option* high;
+  CLI::Option* format;
+  ReadFlags read;
+
+  explicit Estimate(CLI::App& command)
+      : type(addType(command)),
+        key(addList(command, "KEY", "value to compare with; several are one key of as many elements")->required()),
+        comparison(addOption(command, "--op OP", "how keys of the index compare: =, <, <=, >, >= or != (default: =)")),
+        low(addOption(command, "--low VALUE", "lowest key of the index")),
+        high(addOption(command, "--high VALUE", "highest key of the index")),
+        format(addFormat(command)),
+        read(command) {}
+
+  // Empty unless both ends are given.
+  std::vector<Bytes> range(const Reader& reader, unsigned char form) const {
+    if (low->count() != high->count()) throw Error("a range has a lowest and a highest key");
+    if (low->count() == 0) return {};
+    return {indexKey(reader.readAll({text(*low, "")}), form), indexKey(reader.readAll({text(*high, "")}), form)};
+  }
+
+  // A key of fixed size is stored values, as many as it holds whole; others only the index can read.
+  std::string shown(const Type& which, Bytes bytes, unsigned char form) const {
+    std::string line = toHex(bytes);
+    if (!which.fixed) return line;
+    const unsigned long size = manager().DiskLenGet(which.id, nullptr, form, 1, kMemoryForm);
+    const ReadOptions options = read.options();
+    const char* own = options.format.empty() ? nullptr : options.format.c_str();
+    const Values values(which, bytes.size() / size);
+    manager().Load(which.id, values.at(0), bytes.data(), form, values.count());
+    for (unsigned long i = 0; i < values.count(); ++i)
+      line += ' ' + printed(which, values.at(i), own, options.converted);
+    return line;
+  }
+
+  void printBound(const char* name, const Type& which, const unsigned char* bytes, std::size_t length,
+                  unsigned char form) const {
+    printLine(name + (bytes == nullptr ? "none" : shown(which, Bytes(bytes, bytes + length), form)));
+  }
+
+  void run() const {
+    const Type which = parseType(text(*type, ""));
+    const unsigned char form = parseFormat(text(*format, "little"));
+    const Reader reader(which, read.options());
+    const Values keys = reader.readAll(texts(*key));
+    Bytes stored = tool::stored(which.id, keys.at(0), form, keys.count());
+    std::vector<Bytes> ends = range(reader, form);
+    KtIdxBounds known;
+    if (!ends.empty()) {
+      known = {ends[0].data(), ends[1].data(), static_cast<unsigned char>(ends[0].size()),
+               static_cast<unsigned char>(ends[1].size())};
+    }
+    unsigned short flags = parseComparison(text(*comparison, "="));
+    Bounds bounds;
+    const float share = manager().EvalAndBound(which.id, ends.empty() ? nullptr : &known, flags, stored.data(), form,
+                                               keys.count(), &bounds, nullptr);
+    printLine("selects " + shortest(share));
+    printBound("from    ", which, bounds.lowKey, bounds.lowKeyLength, form);
+    printBound("to      ", which, bounds.highKey, bounds.highKeyLength, form);
+  }
+};
+
+const char kExamples[] =
+    "Examples: a scan that is bounded on one side, and a key of two elements\n"
+    "  kttm estimate long 10 --op '<' --low 0 --high 99 --format big\n"
+    "                                           # selects 0.1\n"
+    "                                           # from    none\n"
+    "                                           # to      0000000a 10\n"
+    "  kttm estimate char A B --low A --high Z  # selects 0.03846154\n"
+    "                                           # from    4142 A B\n"
+    "                                           # to      4142 A B";
+
+}  // namespace
+
+void addEstimate(CLI::App& app) {
+  CLI::App* command =
+      app.add_subcommand("estimate", "Estimates the share of an index that a comparison selects, and bounds the scan");
+  command->footer(kExamples);
+  const auto estimate = std::make_shared<Estimate>(*command);
+  command->callback([estimate] { estimate->run(); });
+}
+
+}  // namespace tool
