@@ -4,7 +4,8 @@
 Benchmarks are named job/contestant[/size], where the job may itself contain slashes when a size follows; the contestant
 "kttm" stands against every other contestant of its job and size. The ratio is the median time of the peer divided by
 the median time of kttm, in time of the processor, which other work on the machine disturbs less than the clock's.
-goals.csv has the columns job,peer,size,goal; an empty size stands for every size. Exit status 1 when --check is given
+goals.csv has the columns job,peer,size,goal; an empty size stands for every size. The peer "limit" stands for a time: its
+goal is the most ns that one operation of kttm may take. Exit status 1 when --check is given
 and a goal is missed.
 """
 
@@ -16,6 +17,7 @@ import re
 import statistics
 import sys
 
+LIMIT = "limit"
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -29,7 +31,8 @@ def split_name(name):
 
 
 def read_medians(path):
-    """Median time in ns for each (job, size) and contestant, and the errors that runs reported."""
+    """Median time in ns for each (job, size) and contestant, with a contestant LIMIT for one operation of kttm; and the
+    errors that runs reported."""
     with open(path, encoding="utf-8") as file:
         runs = json.load(file)["benchmarks"]
     times, errors = {}, []
@@ -43,6 +46,8 @@ def read_medians(path):
             job, contestant, size = key
             time = run["cpu_time"] * NANOSECONDS[run["time_unit"]]
             times.setdefault((job, size), {}).setdefault(contestant, []).append(time)
+            if contestant == "kttm" and run.get("items_per_second"):
+                times[job, size].setdefault(LIMIT, []).append(1e9 / run["items_per_second"])
     medians = {key: {who: statistics.median(t) for who, t in group.items()} for key, group in times.items()}
     return medians, sorted(set(errors))
 
@@ -62,11 +67,15 @@ def table(medians, goals):
     for (job, size), group in sorted(medians.items(), key=lambda item: (item[0][0], int(item[0][1] or 0))):
         if "kttm" not in group:
             continue
-        for peer in sorted(set(group) - {"kttm"}):
+        for peer in sorted(set(group) - {"kttm", LIMIT}):
             goal = goals.get((job, peer, size), goals.get((job, peer, "")))
             ratio = group[peer] / group["kttm"]
             verdict = "" if goal is None else "ok" if ratio >= goal else "short"
             rows.append((job, size, peer, group["kttm"], group[peer], ratio, goal, verdict))
+        limit = goals.get((job, LIMIT, size), goals.get((job, LIMIT, "")))
+        if limit is not None and LIMIT in group:
+            ratio = limit / group[LIMIT]
+            rows.append((job, size, LIMIT, group[LIMIT], limit, ratio, 1, "ok" if ratio >= 1 else "short"))
     return rows
 
 
