@@ -355,6 +355,27 @@ TEST(StringBounds, no_string_that_satisfies_the_comparison_has_its_key_outside) 
   }
 }
 
+TEST(StringBounds, nor_has_one_that_differs_behind_the_bound) {
+  const auto times = [](unsigned count, char c) { return std::string(count, c); };
+  const struct {
+    std::string value, text;
+    unsigned short flags;
+  } cases[] = {
+      {"a-*", "a- ", 1},  // the last of several ignorable characters counts
+      {"San*", "San Francisco", 1},
+      {"A*", "\xE0", 4},
+      {times(62, 'A'), times(62, 'a') + "b", 4},  // the cut key of the text comes before that of the value
+      {times(62, 'a'), times(61, 'A') + "B", 4},
+      {times(70, 'a') + "b", times(70, 'A') + "a", 2},
+      {times(40, 'a') + times(30, '-'), times(40, 'a') + times(29, ' ') + "-", 1},
+  };
+  for (const auto& c : cases) {
+    const KtString s = text(c.text.c_str());
+    ASSERT_TRUE(satisfies(compareMemory(kString, s, text(c.value.c_str())), c.flags)) << c.value;
+    expectInside(kString, {{s, keyOf(kString, s)}}, text(c.value.c_str()));
+  }
+}
+
 // --- estimates ----------------------------------------------------------------------------------------------------
 
 TEST(StringEstimate, is_the_share_of_the_orders_between_the_bounds) {
