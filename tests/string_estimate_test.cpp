@@ -345,7 +345,7 @@ void expectInside(const Row& row, const std::vector<Keyed>& all, const KtString&
 
 TEST(StringBounds, no_string_that_satisfies_the_comparison_has_its_key_outside) {
   for (const Texts& texts : kTexts) {
-    const std::vector<KtString> sample = sampleOf(texts, 270);
+    const std::vector<KtString> sample = sampleOf(texts, 160);
     const std::vector<KtString> values = valuesOf(sample, texts);
     for (const Row& row : kRows) {
       std::vector<Keyed> all;

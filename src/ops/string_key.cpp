@@ -101,7 +101,7 @@ unsigned long copyIndexKey(unsigned char* out, unsigned long room, const IndexKe
   if (room < kEmptyRecord) return 0;
   const unsigned long unit = key.isRaw() ? 1 : kKeyWord;
   const unsigned long bytes = std::min(key.bytes, bodyRoom(room) & ~(unit - 1));
-  std::memmove(out + kTextAt, key.body, bytes);
+  if (bytes != 0) std::memmove(out + kTextAt, key.body, bytes);
   const End whole = key.isNull() ? End::kNull : End::kWhole;
   return finishKey(out, bytes, key.codeSet, key.language, key.isCut || bytes < key.bytes ? End::kGoesOn : whole, code);
 }
