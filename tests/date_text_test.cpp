@@ -138,6 +138,15 @@ TEST(DateText, directives_scan) {
       {"xx", "%y", "1900-01-01 00:00:00"},
       {"2005-02-30", "%Y-%m-%d", "0000-01-01 00:00:00"},
       {"2005-02-28 24", "%Y-%m-%d %H", "0000-01-01 00:00:00"},
+      {"2000-02-29", "%Y-%m-%d", "2000-02-29 00:00:00"},
+      {"1900-02-29", "%Y-%m-%d", "0000-01-01 00:00:00"},
+      {"-004-02-29", "%Y-%m-%d", "-0004-02-29 00:00:00"},
+      {"2005-04-31", "%Y-%m-%d", "0000-01-01 00:00:00"},
+      {"2005-12-31", "%Y-%m-%d", "2005-12-31 00:00:00"},
+      {"2005-13-01", "%Y-%m-%d", "0000-01-01 00:00:00"},
+      {"2005-01-01 23:59:60", "%Y-%m-%d %H:%M:%S", "0000-01-01 00:00:00"},
+      {"2005-06-07 08", "%Y-%m-%d %H %d", "2005-06-07 08:00:00"},  // nothing is left for the second day
+      {"06 07 2005", "%m %m %Y", "2005-07-01 00:00:00"},           // the last one counts
       {"0000-00-00", "%Y-%m-%d", "0000-00-00 00:00:00"},
       {"00000000 1", "%Y%m%d%M", "0000-01-01 00:00:00"},
       {"-660-02-11", "%Y-%m-%d", "-0660-02-11 00:00:00"},
@@ -208,6 +217,14 @@ TEST(DateText, format_may_be_the_text_that_grows) {
   KtString text("%d/%p%");
   at(2005, 9, 28, 13).PrintToKtString(text, text.buffer);
   EXPECT_STREQ(text.StrGet(), "%d/%p%28/pm");
+  std::string format, expected;
+  for (int i = 0; i < 500; ++i) {
+    format += "%d/%B ";
+    expected += "28/September ";
+  }
+  text = format.c_str();
+  at(2005, 9, 28).PrintToKtString(text, text.buffer);
+  EXPECT_EQ(text.StrGet(), format + expected);
 }
 
 }  // namespace

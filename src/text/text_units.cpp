@@ -5,8 +5,6 @@ namespace kt {
 
 namespace {
 
-constexpr unsigned char kLatin1 = 1;
-constexpr unsigned char kUnicode = 253;
 constexpr unsigned char kDefault8 = 255;  // of an iterator
 constexpr std::uint16_t kFirstBeyondAscii = 0x80;
 
@@ -90,16 +88,6 @@ unsigned long unitLength(const unsigned short* text) {
     ++length;
   }
   return length;
-}
-
-unsigned char narrowSet() {
-  const unsigned char code = KtLanguageContext::GetDefault8CodeSet();
-  return KtCodeSet::CharSizeOf(code) == 1 ? code : kLatin1;
-}
-
-unsigned char wideSet() {
-  const unsigned char code = KtLanguageContext::GetDefault16CodeSet();
-  return KtCodeSet::CharSizeOf(code) == 2 ? code : kUnicode;
 }
 
 const KtCodeSet& characterSet(unsigned char code) { return KtCodeSet::Get(code == kDefault8 ? narrowSet() : code); }

@@ -47,8 +47,16 @@ unsigned long unitLength(const unsigned short* text);
 
 // The code sets of texts made of char and of 16-bit characters. A default of the wrong character size (the language
 // context does not refuse one) would lead outside the text; it counts as the set that is the default at load.
-unsigned char narrowSet();
-unsigned char wideSet();
+inline unsigned char narrowSet() {
+  constexpr unsigned char kLatin1 = 1;
+  const unsigned char code = KtLanguageContext::GetDefault8CodeSet();
+  return KtCodeSet::CharSizeOf(code) == 1 ? code : kLatin1;
+}
+inline unsigned char wideSet() {
+  constexpr unsigned char kUnicode = 253;
+  const unsigned char code = KtLanguageContext::GetDefault16CodeSet();
+  return KtCodeSet::CharSizeOf(code) == 2 ? code : kUnicode;
+}
 
 // The set behind a character's code, where 255 stands for the default 8-bit set.
 const KtCodeSet& characterSet(unsigned char code);

@@ -54,7 +54,7 @@ constexpr unsigned long kShortBlock = kSmallestBlock;
 // them the text; null where the string has none.
 inline char* shortBlock(KtString& s) { return s.bufferSize < kShortBlock ? s.buffer : nullptr; }
 
-// The first n characters of the block, at least one, become the text, as in s = text. A terminator fits behind them.
+// The first n characters of the block become the text, as in s = text. A terminator fits behind them.
 inline void setShort(KtString& s, unsigned long n) {
   char* const block = s.buffer;
   block[n] = '\0';

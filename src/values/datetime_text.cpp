@@ -2,6 +2,7 @@
 
 #include "text/string_block.h"
 #include "text/text_units.h"
+#include "values/append_short.h"
 #include "values/narrow_text.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
@@ -10,7 +11,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 
 namespace kt {
 namespace {
@@ -42,9 +42,12 @@ const Name& weekdayOf(const KtDate& date) {
 // --- printing -------------------------------------------------------------------------------------------------------
 
 struct DigitPairs {
-  char text[200];
+  char text[100][2];
   constexpr DigitPairs() : text() {
-    for (unsigned i = 0; i < 200; ++i) text[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+    for (unsigned i = 0; i < 100; ++i) {
+      text[i][0] = static_cast<char>('0' + i / 10);
+      text[i][1] = static_cast<char>('0' + i % 10);
+    }
   }
 };
 constexpr DigitPairs kDigitPairs;
@@ -62,7 +65,7 @@ constexpr DigitPairs kDigitPairs;
 inline char* putPair(char* at, int number) {
   if (static_cast<unsigned>(number) >= 100) [[unlikely]]
     return putNumber(at, number, 2);
-  std::memcpy(at, kDigitPairs.text + 2 * number, 2);
+  std::memcpy(at, kDigitPairs.text[static_cast<unsigned>(number)], 2);
   return at + 2;
 }
 
@@ -70,8 +73,8 @@ inline char* putYear(char* at, int year) {
   if (static_cast<unsigned>(year) >= 10000) [[unlikely]]
     return putNumber(at, year, 4);
   const unsigned century = static_cast<unsigned>(year) / 100;
-  std::memcpy(at, kDigitPairs.text + 2 * century, 2);
-  std::memcpy(at + 2, kDigitPairs.text + 2 * (static_cast<unsigned>(year) - 100 * century), 2);
+  std::memcpy(at, kDigitPairs.text[century], 2);
+  std::memcpy(at + 2, kDigitPairs.text[static_cast<unsigned>(year) - 100 * century], 2);
   return at + 4;
 }
 
@@ -83,103 +86,98 @@ bool holdsHalfDay(const char* format) {
   return false;
 }
 
-// What a directive prints, by its letter: which part of a value, and where a field of two digits lies in it.
-struct Directives {
-  static constexpr unsigned char kDate = 0x40;
-  static constexpr unsigned char kTime = 0x80;
-  static constexpr unsigned char kField = 0x07;  // its offset; 0: no such field
-
+// Where in a value the field of two digits lies that a directive prints, by its letter; 0: it prints something else.
+constexpr unsigned char kTimeAt = offsetof(KtDateTime, time);
+struct PairFields {
   unsigned char of[256];
-  constexpr Directives() : of() {
-    constexpr unsigned char kTimeAt = offsetof(KtDateTime, time);
-    for (const char letter : {'a', 'A', 'b', 'B', 'y', 'Y'}) at(letter) = kDate;
-    for (const char letter : {'I', 'p', 'P'}) at(letter) = kTime;
-    for (const char letter : {'d', 'e'}) at(letter) = kDate | offsetof(KtDate, day);
-    at('m') = kDate | offsetof(KtDate, month);
-    at('H') = kTime | (kTimeAt + offsetof(KtTime, hour));
-    at('M') = kTime | (kTimeAt + offsetof(KtTime, minute));
-    at('S') = kTime | (kTimeAt + offsetof(KtTime, second));
+  constexpr PairFields() : of() {
+    at('d') = at('e') = offsetof(KtDate, day);
+    at('m') = offsetof(KtDate, month);
+    at('H') = kTimeAt + offsetof(KtTime, hour);
+    at('M') = kTimeAt + offsetof(KtTime, minute);
+    at('S') = kTimeAt + offsetof(KtTime, second);
   }
 
 private:
   constexpr unsigned char& at(char letter) { return of[static_cast<unsigned char>(letter)]; }
 };
-constexpr Directives kDirectives;
+constexpr PairFields kPairFields;
+
+constexpr long kLongestNumber = 6;
+
+struct Progress {
+  char* at;
+  const char* format;
+};
+
+// Numbers of two digits, years of four, and the characters between them, which is what most formats hold: goes on while
+// `at` leaves room for a number, up to something else or the end of the format.
+[[gnu::always_inline]] inline Progress printPlain(char* at, const char* end, const char* format,
+                                                  const unsigned char* value) {
+  const char* const last = end - kLongestNumber;
+  while (at <= last) {
+    if (*format != '%') {
+      if (*format == '\0') break;
+      *at++ = *format++;
+      continue;
+    }
+    const auto letter = static_cast<unsigned char>(format[1]);
+    if (const unsigned char field = kPairFields.of[letter]; field != 0) {
+      if (value[field] >= 100) break;
+      at = putPair(at, value[field]);
+    } else if (letter == 'Y') {
+      std::uint16_t year;
+      std::memcpy(&year, value, sizeof year);
+      if (year >= 10000) break;
+      at = putYear(at, year);
+    } else {
+      break;
+    }
+    format += 2;
+    if (*format == '%') continue;
+    if (*format == '\0') break;
+    *at++ = *format++;  // there is room: no number has as many digits as the longest
+  }
+  return {at, format};
+}
 
 class Printer {
 public:
-  static constexpr unsigned long kValueSize = 7;
-  static constexpr long kLongestNumber = 6;
   static constexpr long kLongest = 9;  // "Wednesday", "September"
 
-  Printer(const void* value, const char* format, FromClock fromClock)
-      : value_(static_cast<const signed char*>(value)),
-        missing_(partOf(fromClock)),
-        format_(format),
-        next_(format),
-        isDone_(*format == '\0') {}
+  // Goes on at `next`, in the format.
+  Printer(const void* value, const char* format, const char* next)
+      : value_(static_cast<const unsigned char*>(value)), format_(format), next_(next) {}
   Printer(const Printer&) = delete;
   Printer& operator=(const Printer&) = delete;
 
   // Nothing is left of the format.
-  bool isDone() const { return isDone_; }
+  bool isDone() const { return *next_ == '\0'; }
 
   // Goes on printing to where `at` points, up to `end` at most: how far it came. A room of kLongest takes something.
-  [[gnu::always_inline]] inline char* print(char* at, const char* end) {
-    const char* format = next_;
-    const char* const last = end - kLongestNumber;
-    for (; *format != '\0' && at <= last; ++format) {
-      if (*format != '%') {
-        *at++ = *format;
-        continue;
-      }
-      const char letter = format[1];
-      const unsigned char kind = kDirectives.of[static_cast<unsigned char>(letter)];
-      if ((kind & missing_) != 0) [[unlikely]] {
-        readClock();
-      }
-      if ((kind & Directives::kField) != 0) {
-        at = putPair(at, value_[kind & Directives::kField]);
-      } else if (letter == 'Y') {
-        at = putYear(at, year());
-      } else {
-        if (letter == '\0') continue;
-        if ((letter == 'A' || letter == 'B') && end - at < kLongest) break;
-        at = put(at, letter);
-      }
-      ++format;
+  char* print(char* at, const char* end) {
+    for (;;) {
+      const Progress plain = printPlain(at, end, next_, value_);
+      at = plain.at;
+      next_ = plain.format;
+      if (end - at < kLongestNumber || *next_ == '\0') return at;
+      const char letter = next_[1];
+      if ((letter == 'A' || letter == 'B') && end - at < kLongest) return at;
+      if (letter != '\0') at = put(at, letter);
+      next_ += letter == '\0' ? 1 : 2;
     }
-    next_ = format;
-    isDone_ = *format == '\0';  // now: the format may lie in the text that is about to change
-    return at;
   }
 
 private:
-  static constexpr unsigned char partOf(FromClock fromClock) {
-    if (fromClock == FromClock::kNothing) return 0;
-    return fromClock == FromClock::kDate ? Directives::kDate : Directives::kTime;
-  }
-
-  // The part that the value lacks.
-  [[gnu::noinline]] void readClock() {
-    std::memcpy(static_cast<void*>(&completed_), value_, kValueSize);
-    if (missing_ == Directives::kDate) {
-      completed_.date.Today();
-    } else {
-      completed_.time.Now();
-    }
-    value_ = reinterpret_cast<const signed char*>(&completed_);
-    missing_ = 0;
-  }
-
   int year() const {
     std::int16_t year;
     std::memcpy(&year, value_, sizeof year);
     return year;
   }
-  int month() const { return value_[offsetof(KtDate, month)]; }
-  int day() const { return value_[offsetof(KtDate, day)]; }
-  int hour() const { return value_[offsetof(KtDateTime, time)]; }
+  int part(unsigned long offset) const { return static_cast<signed char>(value_[offset]); }
+  int month() const { return part(offsetof(KtDate, month)); }
+  int day() const { return part(offsetof(KtDate, day)); }
+  int hour() const { return part(kTimeAt); }
 
   // 1 to 12 where am or pm is printed too, else 0 to 12.
   int hourOfTwelve(int hour) const {
@@ -211,48 +209,84 @@ private:
       case 'A': return putName(at, weekdayOf(KtDate(year(), month(), day())), letter == 'a');
       case 'b':
       case 'B': return putMonth(at, month(), letter == 'b');
+      case 'd':
+      case 'e': return putPair(at, day());
+      case 'H': return putPair(at, hour());
       case 'I': return putPair(at, hourOfTwelve(hour()));
+      case 'M': return putPair(at, part(kTimeAt + offsetof(KtTime, minute)));
+      case 'm': return putPair(at, month());
       case 'p': return putHalfDay(at, hour() >= 12 ? 'p' : 'a', 'm');
       case 'P': return putHalfDay(at, hour() >= 12 ? 'P' : 'A', 'M');
+      case 'S': return putPair(at, part(kTimeAt + offsetof(KtTime, second)));
+      case 'Y': return putYear(at, year());
       case 'y': return putPair(at, year() % 100);
       default: *at++ = letter; return at;
     }
   }
 
-  const signed char* value_;
-  KtDateTime completed_{KtDate(0, 0, 0), KtTime(0, 0, 0)};
-  unsigned char missing_;  // the part that the clock gives, until it was read
+  const unsigned char* value_;
   const char* format_;
   const char* next_;
-  bool isDone_;
 };
 
-// Prints behind the text as far as its block goes, unless the characters need a conversion or the text holds the format.
-inline void printInBlock(KtString& out, Printer& printer, const char* format) {
-  const unsigned long size = out.bufferSize;
-  if (size == 0 || out.codeSet != narrowSet() || mayHoldZero(out.buffer, size)) return;
-  const auto isWithin = [&out](const char* p) {
-    return !std::less<>()(p, out.buffer) && std::less<>()(p, out.buffer + out.bufferSize);
-  };
-  if (isWithin(format)) return;
-  char* const begin = out.buffer + size - 1;
-  const unsigned long block = blockSize(size);
-  // A block always has a byte to spare behind the terminator.
-  const char* const end = out.buffer + (block < kMaxTextBytes ? block - 2 : kMaxTextBytes - 1);
-  char* const at = printer.print(begin, end);
-  if (at == begin) return;
-  const unsigned long newSize = size + static_cast<unsigned long>(at - begin);
-  *at = '\0';
-  noteMayHoldZero(out.buffer, newSize, false);
-  out.bufferSize = static_cast<std::uint16_t>(newSize);
+// Whether characters can be put behind the text, up to blockEnd(), as they are.
+inline bool takesCharacters(const KtString& out) {
+  return out.bufferSize != 0 && out.codeSet == narrowSet() && !mayHoldZero(out.buffer, out.bufferSize);
 }
 
-[[gnu::noinline]] void printByPieces(KtString& out, Printer& printer) {
+// A block always has a byte to spare behind the terminator.
+inline const char* blockEnd(const KtString& out) {
+  const unsigned long block = blockSize(out.bufferSize);
+  return out.buffer + (block < kMaxTextBytes ? block - 2 : kMaxTextBytes - 1);
+}
+
+// What is left of the format from `next` on.
+[[gnu::noinline]] KtString& printRest(KtString& out, const void* value, const char* format, const char* next) {
+  Printer printer(value, format, next);
+  if (takesCharacters(out)) grow(out, printer.print(out.buffer + out.bufferSize - 1, blockEnd(out)));
   char piece[256];
   while (!printer.isDone()) {
     const char* end = printer.print(piece, piece + sizeof piece);
     append(out, piece, narrowSet(), static_cast<unsigned long>(end - piece));
   }
+  return out;
+}
+
+bool asksFor(const char* format, FromClock part) {
+  const char* const letters = part == FromClock::kDate ? "aAbBdemyY" : "HIMSpP";
+  for (; *format != '\0'; ++format) {
+    if (*format != '%') continue;
+    if (*++format == '\0') return false;
+    if (std::strchr(letters, *format) != nullptr) return true;
+  }
+  return false;
+}
+
+KtDateTime completed(const KtDateTime& value, FromClock part) {
+  KtDateTime whole = value;
+  if (part == FromClock::kDate) {
+    whole.date.Today();
+  } else {
+    whole.time.Now();
+  }
+  return whole;
+}
+
+bool isNull(const void* value) {
+  static constexpr unsigned char kMonthToSecond[] = {0x80, 0x80, 0x80, 0x80, 0x80};
+  const auto* fields = static_cast<const unsigned char*>(value) + sizeof(std::int16_t);
+  if (fields[0] != 0x80 || std::memcmp(fields, kMonthToSecond, sizeof kMonthToSecond) != 0) return false;
+  std::int16_t year;
+  std::memcpy(&year, value, sizeof year);
+  return year == -32768;
+}
+
+[[gnu::noinline]] KtString& setToNullText(KtString& out) { return out = nullPrintString(); }
+
+// The format lies in the text that grows.
+[[gnu::noinline]] KtString& printByOwnText(KtString& out, const void* value, const char* format) {
+  const KtString copy(format);
+  return printDateTime(out, value, copy.StrGet());
 }
 
 // --- scanning -------------------------------------------------------------------------------------------------------
@@ -291,31 +325,68 @@ struct Fields {
   std::int16_t year = 0;
   std::int8_t month = 1, day = 1, hour = 0, minute = 0, second = 0;
 
-  // The bytes of the value, in one register: read as a whole, a value written field by field would wait for its fields.
-  std::uint64_t packed() const {
-    constexpr bool kBigHost = std::endian::native == std::endian::big;
-    std::uint64_t bytes = 0;
-    unsigned place = 0;
-    const auto put = [&](int field, unsigned size) {
-      const std::uint64_t mask = (1u << 8 * size) - 1;
-      const unsigned shift = kBigHost ? 64 - 8 * (place + size) : 8 * place;
-      bytes |= (static_cast<std::uint64_t>(field) & mask) << shift;
-      place += size;
-    };
-    put(year, 2);
-    for (const int field : {month, day, hour, minute, second}) put(field, 1);
-    return bytes;
-  }
   bool isZero() const { return (year | month | day | hour | minute | second) == 0; }
-  bool isValid() const { return KtDate(year, month, day).IsDate() && KtTime(hour, minute, second).IsTime(); }
 };
+static_assert(sizeof(Fields) == sizeof(KtDateTime) && offsetof(Fields, second) == kTimeAt + offsetof(KtTime, second));
+
+// Where scanning goes on: in the text, counted from its end, and in the format.
+struct Scanned {
+  long at;
+  const char* format;
+};
+
+constexpr unsigned kNoDigits = 1u << 31;
+
+// The number that kWidth digits at p make, or kNoDigits.
+template <unsigned kWidth>
+inline unsigned digitsAt(const char* p) {
+  unsigned number = 0;
+  for (unsigned i = 0; i < kWidth; ++i) {
+    const unsigned digit = static_cast<unsigned char>(p[i]) - unsigned{'0'};
+    if (digit > 9) return kNoDigits;
+    number = 10 * number + digit;
+  }
+  return number;
+}
+
+// Fields of digits and what stands between, which is what most formats hold: goes on up to something else or the end of
+// the format. Each field is written by itself: nothing waits for the others.
+[[gnu::always_inline]] inline Scanned scanPlain(const char* end, long at, const char* format, unsigned char* fields) {
+  while (*format != '\0') {
+    if (*format == '%') {
+      const auto letter = static_cast<unsigned char>(format[1]);
+      if (const unsigned char field = kPairFields.of[letter]; field != 0) {
+        const unsigned number = at > -2 ? kNoDigits : digitsAt<2>(end + at);
+        if (number == kNoDigits) break;
+        fields[field] = static_cast<unsigned char>(number);
+        at += 2;
+      } else if (letter == 'Y') {
+        const unsigned number = at > -4 ? kNoDigits : digitsAt<4>(end + at);
+        if (number == kNoDigits) break;
+        const auto year = static_cast<std::int16_t>(number);
+        std::memcpy(fields, &year, sizeof year);
+        at += 4;
+      } else {
+        break;
+      }
+      format += 2;
+      if (*format == '%') continue;
+      if (*format == '\0') break;
+    }
+    at += at != 0;
+    ++format;
+  }
+  return {at, format};
+}
 
 class Scanner {
 public:
-  Scanner(const NarrowText& text, const Fields& start) : at_(text.begin()), end_(text.end()), fields_(start) {}
+  // The text lies before `end`.
+  Scanner(const char* end, const Scanned& start, const Fields& fields)
+      : at_(end + start.at), end_(end), format_(start.format), fields_(fields) {}
 
-  [[gnu::always_inline]] inline Fields scan(const char* format) {
-    for (; *format != '\0'; ++format) {
+  Fields scan() {
+    for (const char* format = format_; *format != '\0'; ++format) {
       if (*format != '%') {
         at_ += at_ != end_;
       } else if (*++format == '\0') {
@@ -403,6 +474,7 @@ private:
 
   const char* at_;
   const char* end_;
+  const char* format_;
   Fields fields_;
   bool isAfternoon_ = false;
   bool isMorning_ = false;
@@ -410,50 +482,108 @@ private:
 
 constexpr Fields kNullFields = {-32768, -128, -128, -128, -128, -128};
 
-// The scanned fields become those of a value by finish(fields), in one function, so that they need not leave the
-// registers.
-template <class Finish>
-inline std::uint64_t scanFrom(const KtString& in, const char* format, const Fields& start, Finish finish) {
+Fields readFields(const unsigned char* value) {
+  Fields fields;
+  std::memcpy(static_cast<void*>(&fields), value, sizeof fields);
+  return fields;
+}
+
+bool writeFields(unsigned char* value, const Fields& fields) {
+  std::memcpy(value, &fields, sizeof fields);
+  return true;
+}
+
+[[gnu::noinline]] bool scanRest(const char* end, const Scanned& start, unsigned char* value) {
+  return writeFields(value, Scanner(end, start, readFields(value)).scan());
+}
+
+// Any text by any format. False where the text is null.
+[[gnu::noinline]] bool scanAny(const KtString& in, const char* format, unsigned char* value) {
   const NarrowText text(in);
-  if (text.beginsWith(NarrowText(nullPrintString()))) return kNullFields.packed();
-  return finish(Scanner(text, start).scan(format));
+  if (!text.beginsWith(NarrowText(nullPrintString())))
+    return scanRest(text.end(), {-static_cast<long>(text.length()), format}, value);
+  writeFields(value, kNullFields);
+  return false;
+}
+
+// Whether the bytes of the text are its characters, and surely not those of the null text.
+inline bool isPlain(const KtString& in, const KtString& null) {
+  if (in.CharSize() != 1 || in.buffer == nullptr || mayHoldZero(in.buffer, in.bufferSize)) return false;
+  return null.CharSize() == 1 && null.buffer != nullptr && *null.buffer != '\0' && *null.buffer != *in.buffer;
+}
+
+// Into a value that starts as what the fields are that the format does not name. False where the text is null.
+[[gnu::always_inline]] inline bool scanFields(const KtString& in, const char* format, const Fields& start,
+                                              unsigned char* value) {
+  writeFields(value, start);
+  if (!isPlain(in, nullPrintString())) [[unlikely]]
+    return scanAny(in, format, value);
+  const long length = in.bufferSize - 1L;
+  const char* const end = in.buffer + length;
+  const Scanned plain = scanPlain(end, -length, format, value);
+  return *plain.format == '\0' || scanRest(end, plain, value);
+}
+
+// As KtDate::IsDate, without day numbers: the end of a month is nothing that could be predicted.
+inline bool isDate(int year, int month, int day) {
+  static constexpr std::int8_t kDays[] = {0, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (year < 0) return KtDate(year, month, day).IsDate() != 0;
+  if (static_cast<unsigned>(month) > 12 || day < 1 || day > kDays[month]) return false;
+  return month != 2 || day != 29 || (year % 4 == 0 && (year % 100 != 0 || year % 400 == 0));
+}
+
+// Reads byte by byte, as the fields were written: whatever is wider has to wait for them.
+inline bool isValid(const unsigned char* value) {
+  const auto part = [value](unsigned place) { return static_cast<std::int8_t>(value[place]); };
+  std::int16_t year;
+  std::memcpy(&year, value, sizeof year);
+  return isDate(year, part(2), part(3)) && KtTime(part(4), part(5), part(6)).IsTime();
+}
+
+[[gnu::noinline]] void makeValid(unsigned char* value) {
+  if (!readFields(value).isZero()) writeFields(value, Fields());
 }
 
 }  // namespace
 
 const char* weekdayName(const KtDate& date) { return weekdayOf(date).text; }
 
-KtString& printDateTime(KtString& out, const void* value, const char* format, FromClock fromClock) {
-  constexpr signed char kNullPart[] = {-128, -128, -128, -128, -128};  // of the time, and month and day of the date
-  const auto* fields = static_cast<const signed char*>(value);
-  if (fields[2] == kNullPart[0] && std::memcmp(fields + 2, kNullPart, sizeof kNullPart) == 0) {
-    std::int16_t year;
-    std::memcpy(&year, value, sizeof year);
-    if (year == -32768) return out = nullPrintString();
-  }
-  Printer printer(value, format, fromClock);
-  printInBlock(out, printer, format);
-  if (!printer.isDone()) printByPieces(out, printer);
-  return out;
+KtString& printDateTime(KtString& out, const void* value, const char* format) {
+  if (isNull(value)) [[unlikely]]
+    return setToNullText(out);
+  if (liesIn(out, format)) [[unlikely]]
+    return printByOwnText(out, value, format);
+  if (!takesCharacters(out)) [[unlikely]]
+    return printRest(out, value, format, format);
+  const auto [end, next] =
+      printPlain(out.buffer + out.bufferSize - 1, blockEnd(out), format, static_cast<const unsigned char*>(value));
+  grow(out, end);
+  return *next == '\0' ? out : printRest(out, value, format, next);
+}
+
+KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format, FromClock fromClock) {
+  if (!asksFor(format, fromClock)) return printDateTime(out, &value, format);
+  const KtDateTime whole = completed(value, fromClock);
+  return printDateTime(out, &whole, format);
 }
 
 void scanDateTime(const KtString& in, const char* format, void* value) {
-  const std::uint64_t bytes = scanFrom(in, format, Fields(), [](const Fields& fields) {
-    return fields.isValid() || fields.isZero() ? fields.packed() : Fields().packed();
-  });
-  std::memcpy(value, &bytes, sizeof bytes);
+  auto* const fields = static_cast<unsigned char*>(value);
+  if (scanFields(in, format, Fields(), fields) && !isValid(fields)) makeValid(fields);
 }
 
 KtDateTime scanDateTime(const KtString& in, const char* format) {
-  std::uint64_t bytes;
-  scanDateTime(in, format, &bytes);
-  return std::bit_cast<KtDateTime>(bytes);
+  unsigned char value[sizeof(KtDateTime)];
+  scanDateTime(in, format, value);
+  return std::bit_cast<KtDateTime>(value);
 }
 
 KtDateTime scanPeriod(const KtString& in, const char* format) {
   Fields start;
   start.day = 0;
-  return std::bit_cast<KtDateTime>(scanFrom(in, format, start, [](const Fields& fields) { return fields.packed(); }));
+  unsigned char value[sizeof(KtDateTime)];
+  scanFields(in, format, start, value);
+  return std::bit_cast<KtDateTime>(value);
 }
 
 }  // namespace kt

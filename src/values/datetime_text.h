@@ -10,25 +10,24 @@ namespace kt {
 // "Monday" to "Sunday", or "no day".
 const char* weekdayName(const KtDate& date);
 
-// The part of a value that its type lacks: directives of that part print the local clock, which is read by the first of
-// them.
-enum class FromClock { kNothing, kDate, kTime };
+// The part of a value that its type lacks: directives of that part print the local clock, which is read for them alone.
+enum class FromClock { kDate, kTime };
 
 // Of date-times, where none is given.
 constexpr char kDateTimeFormat[] = "%Y-%m-%dT%H:%M:%S";
 
 // Appends the value to out, or replaces out by the null print string when both parts of the value are null. Returns out.
 // The value is that of the 7 bytes at value, which need no alignment.
-KtString& printDateTime(KtString& out, const void* value, const char* format,
-                        FromClock fromClock = FromClock::kNothing);
-inline KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format,
-                               FromClock fromClock = FromClock::kNothing) {
-  return printDateTime(out, static_cast<const void*>(&value), format, fromClock);
+KtString& printDateTime(KtString& out, const void* value, const char* format);
+inline KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format) {
+  return printDateTime(out, static_cast<const void*>(&value), format);
 }
+KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format, FromClock fromClock);
 
 // What the text holds; null when it begins with the null print string; a valid value or 0000-00-00 00:00:00 else.
 KtDateTime scanDateTime(const KtString& in, const char* format);
-// The same into the 8 bytes at value, which need no alignment.
+
+// The same into the 8 bytes at value, which need no alignment and lie in no text.
 void scanDateTime(const KtString& in, const char* format, void* value);
 
 // The same from day 0 instead of day 1, and without a check: a period of time, its fields as they were read.

@@ -4,6 +4,7 @@
 #include "string_edit.h"
 #include "text/string_block.h"
 #include "text/text_units.h"
+#include "values/append_short.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -21,6 +22,11 @@ constexpr unsigned short kToTerminator = 65535;
 const char* bytesOf(const unsigned short* text) { return reinterpret_cast<const char*>(text); }
 
 unsigned char defaultLanguage() { return KtLanguageContext::GetDefaultLanguage(); }
+
+[[gnu::noinline]] KtString& assignAnyText(KtString& s, const char* text) {
+  kt::assignText(s, text, text == nullptr ? 0 : std::strlen(text));
+  return s;
+}
 
 }  // namespace
 
@@ -99,7 +105,8 @@ KtString& KtString::operator=(const KtString& other) {
 KtString& KtString::operator=(KtString&& other) noexcept { return Destruct(other); }
 
 KtString& KtString::operator=(const char* text) {
-  kt::assignText(*this, text, text == nullptr ? 0 : std::strlen(text));
+  if (text == nullptr || *text != '\0' || kt::shortBlock(*this) == nullptr) return assignAnyText(*this, text);
+  kt::setShort(*this, 0);  // what a text is emptied with before it is printed to
   return *this;
 }
 

@@ -29,9 +29,7 @@ bool rebuild(KtString& s, const TextEdit& edit);
 
 // Whether an address lies in the string's own text, which an edit may move.
 inline bool liesIn(const KtString& s, const char* address) {
-  const auto at = reinterpret_cast<std::uintptr_t>(address);
-  const auto begin = reinterpret_cast<std::uintptr_t>(s.buffer);
-  return s.buffer != nullptr && at >= begin && at < begin + s.bufferSize;
+  return reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(s.buffer) < s.bufferSize;
 }
 
 // Frees the text; code set and language stay.
