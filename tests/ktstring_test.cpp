@@ -334,6 +334,37 @@ TEST(CodeSets, a_mapped_copy_takes_what_its_content_needs) {
   EXPECT_EQ(copy.language, 3);
 }
 
+// Every length about the sixteen that are mapped at once, with a letter that moves (L with caron) at each place, into a
+// string that has held nothing, less or more.
+TEST(CodeSets, a_mapped_copy_agrees_with_mapping_each_character) {
+  for (unsigned length = 0; length <= 40; ++length) {
+    for (unsigned special = 0; special <= length; ++special) {
+      std::string text(length, 'n');
+      if (special < length) text[special] = '\xA5';
+      KtString source(text.c_str());
+      source.SetCodeSetCode(2);
+      source.SetLanguage(3);
+      for (const unsigned held : {0u, 3u, 20u, 100u}) {
+        KtString copy(std::string(held, 'h').c_str());
+        const int count = static_cast<int>(special % 2 == 0 ? 65535 : length / 2);
+        const unsigned mapped = count == 65535 ? length : length / 2;
+        std::string expected = text.substr(0, mapped);
+        for (char& ch : expected) {
+          const unsigned short unicode = KtCodeSet::Get(2).ToUnicode(static_cast<unsigned char>(ch));
+          ch = static_cast<char>(KtCodeSet::Get(11).FromUnicode(unicode));
+        }
+        ASSERT_EQ(copy.CopyMapped(source, 11, count), static_cast<int>(mapped));
+        ASSERT_EQ(copy.StrGet(), expected);
+        ASSERT_EQ(copy.codeSet, 11);
+        ASSERT_EQ(copy.language, 3);
+        copy += '!';
+        copy += "0123456789";
+        ASSERT_EQ(copy.StrGet(), expected + "!0123456789");
+      }
+    }
+  }
+}
+
 TEST(KtChar, maps_into_its_own_code_set) {
   KtChar latin(0, 1, 1), western(0, 10, 1), wide(0, kWide, 1);
   wide = KtChar(0x80, 10, 1);

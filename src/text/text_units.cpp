@@ -1,6 +1,8 @@
 // text_units.cpp - lengths of texts, and conversion between code sets: one table access a character.
 #include "text_units.h"
 
+#include <atomic>
+
 namespace kt {
 
 namespace {
@@ -29,10 +31,22 @@ unsigned long wideLength(const char* text, unsigned long limit) {
   return length;
 }
 
+// The table from one 8-bit set into another, kept where it is found at once: every code in use is a small one. 0 stands for
+// a set that may be exchanged.
+const unsigned char* mapTable(unsigned char to, unsigned char from) {
+  constexpr unsigned kKept = 16;
+  static constinit std::atomic<const unsigned char*> kept[kKept][kKept];
+  const bool isKept = to - 1u < kKept - 1 && from - 1u < kKept - 1;
+  const unsigned char* table = isKept ? kept[to][from].load(std::memory_order_acquire) : nullptr;
+  if (table != nullptr) return table;
+  table = KtCodeSet::Get(from).MapTable(KtCodeSet::Get(to));
+  if (isKept) kept[to][from].store(table, std::memory_order_release);
+  return table;
+}
+
 // Eight characters at a time: most text is ASCII, which every 8-bit set holds at its own place.
-void mapNarrow(char* target, const KtCodeSet& to, const char* source, const KtCodeSet& from, unsigned long count) {
+void mapNarrow(char* target, const char* source, const unsigned char* table, unsigned long count) {
   constexpr std::uint64_t kBeyondAscii = 0x8080808080808080u;
-  const unsigned char* table = from.MapTable(to);
   unsigned long i = 0;
   for (; i + 8 <= count; i += 8) {
     std::uint64_t eight;
@@ -94,16 +108,15 @@ const KtCodeSet& characterSet(unsigned char code) { return KtCodeSet::Get(code =
 
 void mapUnits(char* target, unsigned char targetCode, const char* source, unsigned char sourceCode, unsigned long count,
               bool swap) {
-  const KtCodeSet& to = KtCodeSet::Get(targetCode);
-  const KtCodeSet& from = KtCodeSet::Get(sourceCode);
-  if (to.CharSize() == 2) {
-    from.CharSize() == 2 ? copyWide(target, source, count, swap) : widen(target, source, from, count);
-  } else if (from.CharSize() == 2) {
-    narrow(target, to, source, count, swap);
-  } else if (from.Code() == to.Code()) {
+  const bool isWide = KtCodeSet::CharSizeOf(sourceCode) == 2;
+  if (KtCodeSet::CharSizeOf(targetCode) == 2) {
+    isWide ? copyWide(target, source, count, swap) : widen(target, source, KtCodeSet::Get(sourceCode), count);
+  } else if (isWide) {
+    narrow(target, KtCodeSet::Get(targetCode), source, count, swap);
+  } else if (sourceCode == targetCode) {
     std::memmove(target, source, count);
   } else {
-    mapNarrow(target, to, source, from, count);
+    mapNarrow(target, source, mapTable(targetCode, sourceCode), count);
   }
 }
 

@@ -1,10 +1,76 @@
 // ktstring_codeset.cpp - relabelling and converting strings between code sets.
 #include "string_edit.h"
+#include "text/string_block.h"
 #include "text/text_units.h"
+#include "values/string_take.h"
+
+#include <cstdint>
+#include <cstring>
 
 namespace {
 
 bool sizesDiffer(unsigned char a, unsigned char b) { return KtCodeSet::CharSizeOf(a) != KtCodeSet::CharSizeOf(b); }
+
+// Sixteen characters from a string's block, those behind the text as zeros. A block reaches to the end of the sixteen bytes
+// in which its text ends.
+struct Sixteen {
+  Sixteen(const char* block, unsigned long characters) {
+    static constexpr unsigned char kKeep[32] = {255, 255, 255, 255, 255, 255, 255, 255,
+                                                255, 255, 255, 255, 255, 255, 255, 255};
+    first = wordAt(block) & wordAt(kKeep + 16 - characters);
+    second = wordAt(block + 8) & wordAt(kKeep + 24 - characters);
+  }
+
+  static std::uint64_t wordAt(const void* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    return word;
+  }
+
+  bool isAscii() const { return ((first | second) & 0x8080808080808080u) == 0; }
+
+  std::uint64_t first, second;
+};
+
+// A text of 8-bit characters whose count is that of its bytes.
+inline bool isPlain(const KtString& s) {
+  return s.CharSize() == 1 && s.bufferSize != 0 && !kt::mayHoldZero(s.buffer, s.bufferSize);
+}
+
+inline int setMapped(KtString& target, const KtString& source, unsigned char code, unsigned long length) {
+  target.buffer[length] = '\0';
+  kt::noteMayHoldZero(target.buffer, length + 1, false);
+  target.bufferSize = static_cast<std::uint16_t>(length + 1);
+  target.codeSet = code;
+  target.language = source.language;
+  return static_cast<int>(length);
+}
+
+constexpr int kNotMapped = -1;
+
+// What most conversions are: a name, in ASCII characters, which stand at their own places in every 8-bit set.
+inline int copyShortAscii(KtString& target, const KtString& source, unsigned char code, int count) {
+  const bool fits = target.buffer != nullptr && target.bufferSize < kt::kKeptBlock && source.bufferSize <= 16;
+  if (!fits || KtCodeSet::CharSizeOf(code) != 1 || !isPlain(source)) return kNotMapped;
+  const unsigned long length = kt::countOf(count, source.bufferSize - 1ul);
+  const Sixteen sixteen(source.buffer, length);
+  if (!sixteen.isAscii()) return kNotMapped;
+  std::memcpy(target.buffer, &sixteen.first, sizeof sixteen.first);
+  std::memcpy(target.buffer + 8, &sixteen.second, sizeof sixteen.second);
+  return setMapped(target, source, code, length);
+}
+
+// Any text of 8-bit characters, for a block that fits.
+int copyNarrow(KtString& target, const KtString& source, unsigned char code, int count) {
+  if (KtCodeSet::CharSizeOf(code) != 1 || !isPlain(source) || target.buffer == nullptr) return kNotMapped;
+  const unsigned long length = kt::countOf(count, source.bufferSize - 1ul);
+  const unsigned long owned = kt::blockSize(target.bufferSize);
+  const unsigned long wanted = kt::blockSize(length + 1);
+  const bool fits = wanted == owned || (wanted < owned && owned <= kt::kKeptBlock);
+  if (!fits || length >= kt::kMaxTextBytes) return kNotMapped;
+  kt::mapUnits(target.buffer, code, source.buffer, source.codeSet, length);
+  return setMapped(target, source, code, length);
+}
 
 // Makes target the first count characters of source in code set `code`; false when memory ran out.
 bool mapInto(KtString& target, const KtString& source, unsigned char code, unsigned long count, int overflowLine) {
@@ -18,6 +84,14 @@ bool mapInto(KtString& target, const KtString& source, unsigned char code, unsig
   }
   target.codeSet = oldSet;
   return false;
+}
+
+[[gnu::noinline]] int copyAny(KtString& target, const KtString& source, unsigned char code, int count) {
+  const int mapped = copyNarrow(target, source, code, count);
+  if (mapped != kNotMapped) return mapped;
+  if (!mapInto(target, source, code, kt::countOf(count, source.Len()), kt::kCopyOverflowLine)) return 0;
+  target.language = source.language;
+  return target.buffer == nullptr ? 0 : target.bufferSize / target.CharSize() - 1;
 }
 
 // The text in code set `code`, through a new block.
@@ -54,7 +128,6 @@ int KtString::MapToCodeSet(unsigned char code) {
 
 int KtString::CopyMapped(const KtString& source, unsigned char code, int count) {
   if (this == &source) return KtERR_BAD_CODESET;
-  if (!mapInto(*this, source, code, kt::countOf(count, source.Len()), kt::kCopyOverflowLine)) return 0;
-  language = source.language;
-  return buffer == nullptr ? 0 : bufferSize / CharSize() - 1;
+  const int mapped = copyShortAscii(*this, source, code, count);
+  return mapped != kNotMapped ? mapped : copyAny(*this, source, code, count);
 }

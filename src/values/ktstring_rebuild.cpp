@@ -279,13 +279,6 @@ KtString slice(const KtString& s, unsigned long pos, unsigned long count) {
   return part;
 }
 
-unsigned long countOf(int n, unsigned long available) {
-  constexpr int kToEnd = 65535;
-  constexpr int kLargest = 32767;
-  if (n == -1 || n >= kToEnd) return available;
-  return n < 0 || n > kLargest ? 0 : std::min(static_cast<unsigned long>(n), available);
-}
-
 }  // namespace kt
 
 void KtString::Rebuild(const char* source, unsigned char sourceCodeSet, unsigned long pos, unsigned long srcPos,

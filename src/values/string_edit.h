@@ -59,7 +59,14 @@ KtString slice(const KtString& s, unsigned long pos, unsigned long count);
 
 // A count that a caller gave as 16 bits: 65535 and -1, and whatever exceeds 65535, are "to the end", i.e. `available`;
 // other values that are negative in 16 bits are 0.
-unsigned long countOf(int n, unsigned long available);
+inline unsigned long countOf(int n, unsigned long available) {
+  constexpr int kToEnd = 65535;
+  constexpr int kLargest = 32767;
+  if (n == -1 || n >= kToEnd) return available;
+  if (n < 0 || n > kLargest) return 0;
+  const auto count = static_cast<unsigned long>(n);
+  return count < available ? count : available;
+}
 
 }  // namespace kt
 
