@@ -334,6 +334,17 @@ TEST(KtInt64, every_wrong_character_in_every_place_is_refused) {
   }
 }
 
+TEST(KtInt64, scans_nothing_of_what_its_block_held_before) {
+  KtString in("987654321098765432109876543");
+  for (const char* text : {"5", "1234567", "12345678", "123456789", "1234567890123456", "12345678901234567"}) {
+    in = text;
+    KtInt64 n;
+    n.ScanFromKtString(in, "%S");
+    EXPECT_EQ(n.Value(), std::strtoll(text, nullptr, 10));
+    in = "98765432109876543210";
+  }
+}
+
 TEST(KtInt64, row_stores_the_low_word_first_and_hashes_both_words) {
   const KtInt64 values[2] = {KtInt64(0x01020304ul, 0x05060708), KtInt64(-2)};
   const unsigned char big[] = {1, 2, 3, 4, 5, 6, 7, 8, 0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF};

@@ -74,10 +74,19 @@ inline void writeWord(char* at, std::uint64_t characters) {
   std::memcpy(at, &characters, 8);
 }
 
-// Writes the digits of a number that has at most 24, and returns their end; zero has one digit. Words leave the registers
-// where they belong: copying them once more would wait for the stores.
+// Writes two words of characters but for `drop` (0 to 15) at the front; returns their end. Nothing depends on a branch:
+// how many digits numbers have cannot be predicted.
+inline char* writeWords(char* at, std::uint64_t high, std::uint64_t low, unsigned drop) {
+  const unsigned bits = drop % 8 * 8;
+  const std::uint64_t joined = high << bits | (low >> 1) >> (63 - bits);
+  writeWord(at, drop < 8 ? joined : low << bits);
+  writeWord(at + 8, low << bits);  // behind the end where eight are dropped
+  return at + (16 - drop);
+}
+
+// Word by word, without the work for words that are not there: splitting is dear in base 10.
 template <unsigned kBase>
-inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0) {
+inline char* writeDigitsInTurn(char* at, std::uint64_t number) {
   constexpr std::uint64_t kWord = kEightDigits<kBase>;
   std::uint64_t rest[2];
   unsigned more = 0;
@@ -87,10 +96,26 @@ inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0)
   }
   const std::uint64_t first = splitDigits<kBase>(number);
   const int zeros = std::countl_zero(first | 1) / 8;
-  writeWord(at, digitCharacters(first, letterGap) << 8 * zeros);
+  writeWord(at, digitCharacters(first, 0) << 8 * zeros);
   at += 8 - zeros;
-  for (; more != 0; at += 8) writeWord(at, digitCharacters(splitDigits<kBase>(rest[--more]), letterGap));
+  for (; more != 0; at += 8) writeWord(at, digitCharacters(splitDigits<kBase>(rest[--more]), 0));
   return at;
+}
+
+// Writes the digits of a number that has at most 24, and returns their end; zero has one digit. Words leave the registers
+// where they belong: copying them once more would wait for the stores.
+template <unsigned kBase>
+inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0) {
+  if constexpr (kBase == 10) return writeDigitsInTurn<10>(at, number);
+  constexpr std::uint64_t kWord = kEightDigits<kBase>;
+  constexpr std::uint64_t kSixteenDigits = kWord * kWord;  // 0: no number has more
+  const bool isLonger = kSixteenDigits != 0 && number >= kSixteenDigits;
+  if (isLonger) at = writeDigitsInTurn<kBase>(at, number / kWord / kWord);
+  const std::uint64_t high = splitDigits<kBase>(number / kWord % kWord);
+  const std::uint64_t low = splitDigits<kBase>(number % kWord);
+  const auto zerosIn = [](std::uint64_t digits) { return static_cast<unsigned>(std::countl_zero(digits)) / 8; };
+  const unsigned zeros = high != 0 ? zerosIn(high) : 8 + zerosIn(low | 1);
+  return writeWords(at, digitCharacters(high, letterGap), digitCharacters(low, letterGap), isLonger ? 0 : zeros);
 }
 
 // Writes the last eight digits of a number, but for `drop` (0 to 7) of them at the front; returns their end.
@@ -198,6 +223,32 @@ inline bool readDigits(const char* p, unsigned long n, std::uint64_t& number) {
     part = 8;
   }
   return true;
+}
+
+// As readDigits, of 1 to 24 characters whose first may be followed by fifteen more bytes, readable though without meaning.
+// Where there are at most sixteen characters nothing depends on a branch: how many they are cannot be predicted.
+template <unsigned kBase>
+inline bool readPaddedDigits(const char* p, unsigned long n, std::uint64_t& number) {
+  constexpr std::uint64_t kWord = kEightDigits<kBase>;
+  std::uint64_t first = 0;
+  if (n > 16) {
+    if (!readDigits<kBase>(p, n - 16, first)) return false;
+    p += n - 16;
+    n = 16;
+  }
+  std::uint64_t words[2], digits[2], bad[2];
+  std::memcpy(words, p, sizeof words);
+  for (int i = 0; i < 2; ++i) bad[i] = digitValues<kBase>(bigEndian(words[i]), digits[i]);
+  // Right-aligned, without what lies behind the text.
+  const unsigned bits = static_cast<unsigned>(16 - n) % 8 * 8;
+  const bool isLong = n > 8;
+  const std::uint64_t front = digits[0] >> bits;
+  const std::uint64_t joined = (digits[0] << 1) << (63 - bits) | digits[1] >> bits;
+  const std::uint64_t badBehind = isLong ? bad[0] | bad[1] >> bits : bad[0] >> bits;
+  const std::uint64_t high = isLong ? front : 0;
+  const std::uint64_t low = isLong ? joined : front;
+  number = (first * kWord + joinDigits<kBase>(high)) * kWord + joinDigits<kBase>(low);
+  return badBehind == 0;
 }
 
 // Reads the digits that n characters (at least one) begin with, at most eight of them: `number` is continued by them,

@@ -139,6 +139,42 @@ bool scanText(const char* at, const char* end, const char* format, KtInt64& numb
   return true;
 }
 
+[[gnu::noinline]] KtInt64 scanAnyText(const KtString& in, const char* format) {
+  const kt::NarrowText text(in);
+  KtInt64 number;
+  return scanText(text.begin(), text.end(), format, number) ? number : KtInt64(-1);
+}
+
+constexpr unsigned kLongestShort = 25;
+static_assert(3 + 16 <= kt::kSmallestBlock && kLongestShort < kt::kSmallestBlock);
+
+// Something in 8-bit characters, in the smallest of blocks, where sixteen bytes can be read behind a sign and 0x.
+inline bool isShortText(const KtString& in) {
+  if (in.CharSize() != 1 || in.bufferSize < 2 || in.bufferSize > kLongestShort) return false;
+  return !kt::mayHoldZero(in.buffer, in.bufferSize);
+}
+
+bool readShort(const char* begin, unsigned long length, unsigned base, std::uint64_t& number) {
+  switch (base) {
+    case 8: return kt::readPaddedDigits<8>(begin, length, number);
+    case 16: return kt::readPaddedDigits<16>(begin, length, number);
+    default: return kt::readPaddedDigits<10>(begin, length, number);
+  }
+}
+
+// A number alone.
+inline KtInt64 scanShortText(const KtString& in, char directive) {
+  const char* at = in.buffer;
+  const char* const end = at + in.bufferSize - 1;
+  const bool isNegative = *at == '-';
+  if (*at == '-' || *at == '+') ++at;
+  const unsigned base = takeBase(at, end);
+  if (!agrees(directive, base)) return KtInt64(-1);
+  std::uint64_t magnitude = 0;
+  if (at != end && !readShort(at, static_cast<unsigned long>(end - at), base, magnitude)) return KtInt64(-1);
+  return KtInt64(static_cast<unsigned long long>(isNegative ? 0 - magnitude : magnitude));
+}
+
 }  // namespace
 
 KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
@@ -151,8 +187,7 @@ KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
 }
 
 void KtInt64::ScanFromKtString(const KtString& in, const char* format) {
-  const kt::NarrowText text(in);
-  KtInt64 number;
-  *this =
-      scanText(text.begin(), text.end(), format == nullptr ? kDefaultFormat : format, number) ? number : KtInt64(-1);
+  if (format == nullptr) format = kDefaultFormat;
+  const bool isNumberOnly = isConversion(format) && format[2] == '\0';
+  *this = isNumberOnly && isShortText(in) ? scanShortText(in, format[1]) : scanAnyText(in, format);
 }
