@@ -1,6 +1,7 @@
 // order_cursor.cpp - the weight tables: built on first use into static storage, so that building cannot fail.
 #include "order_cursor.h"
 
+#include <array>
 #include <mutex>
 
 namespace kt {
@@ -13,7 +14,13 @@ std::mutex buildMutex;
 ByteWeights byteStorage[kCodeSets][kKindSlots];
 WideWeights wideStorage[kKindSlots];
 Weight pageStorage[kKindSlots][256][256];  // only pages that are not rising are ever touched
-Weight risingPage[256];                    // the orders 0, 1, 2 ... as weights
+
+// The orders 0, 1, 2 ... as weights. The kinds share it, so that it is there before any of them is built.
+constexpr std::array<Weight, 256> kRisingPage = [] {
+  std::array<Weight, 256> page{};
+  for (unsigned i = 0; i < 256; ++i) page[i] = i << 8;
+  return page;
+}();
 
 unsigned pageOrder(const KtUnicodeProps::Page& page, unsigned index) {
   return (page.orders[index] + page.offset) & 0xFFFFu;
@@ -30,7 +37,7 @@ bool isRising(const KtUnicodeProps::Page& page, unsigned kind) {
 }
 
 WideWeights::Page buildPage(const KtUnicodeProps::Page& page, unsigned kind, Weight (&weights)[256]) {
-  if (isRising(page, kind)) return {risingPage, kind << 24 | pageOrder(page, 0) << 8};
+  if (isRising(page, kind)) return {kRisingPage.data(), kind << 24 | pageOrder(page, 0) << 8};
   for (unsigned i = 0; i < 256; ++i) {
     const unsigned order = pageOrder(page, i);
     const bool several = kind < KtUnicodeProps::kIdeographicKind && order == 0xFFFFu;
@@ -94,7 +101,6 @@ const WideWeights* buildWideWeights(unsigned char kind) {
   const KtUnicodeProps::Page* source = KtUnicodeProps::OrderPages(kind);
   const std::lock_guard<std::mutex> lock(buildMutex);
   if (const WideWeights* ready = wideWeightTables[slot].load(std::memory_order_relaxed)) return ready;
-  for (unsigned i = 0; i < 256; ++i) risingPage[i] = i << 8;
   WideWeights& table = wideStorage[slot];
   for (unsigned i = 0; i < 256; ++i) table.page[i] = buildPage(source[i], kind, pageStorage[slot][i]);
   table.significant = firstSignificant(kind);
