@@ -94,7 +94,7 @@ public:
 
 protected:
   // The older single-string conversion: every value's text followed by a separator that none of them contains. The
-  // caller owns the string. Null where not offered.
+  // caller owns the string. Null where not offered, and when memory is exhausted.
   KtString* ConvertToKtStringOld(void* values, char id, unsigned long count);
   // The reverse: a new array of count values, to be deleted as one of ConvertFrom. The last character of text, whatever
   // it is, is the separator. text is left empty.

@@ -4,7 +4,9 @@
 #include "module/manager_row.h"
 #include "ops/scalar_text.h"
 #include "table/type_table.h"
+#include "text/text_units.h"
 #include "values/null_text.h"
+#include "values/string_edit.h"
 
 namespace {
 
@@ -136,14 +138,18 @@ KtString* KtTypeMgr::ConvertToKtStringOld(void* values, char id, unsigned long c
   KtTypeConvertData* holder = ConvertTo(id, values, count);
   if (holder == nullptr) return nullptr;
   auto* joined = static_cast<KtString*>(stringRow(table_).Create(1));
-  const KtString separator(findSeparator(*holder, count));
-  for (unsigned long i = 0; joined != nullptr && i < count; ++i) {
+  const char separator = findSeparator(*holder, count);
+  bool isWhole = joined != nullptr;
+  for (unsigned long i = 0; isWhole && i < count; ++i) {
     const KtString* text = holder->GetString(static_cast<int>(i));
-    if (text != nullptr) *joined += *text;
-    *joined += separator;
+    if (text != nullptr) isWhole = kt::append(*joined, text->buffer, text->codeSet, text->Len());
+    isWhole = isWhole && kt::append(*joined, &separator, kt::narrowSet(), 1);
   }
   delete holder;
-  return joined;
+  if (isWhole || joined == nullptr) return joined;
+  // Without one of its separators the text would be one of other values.
+  stringRow(table_).Delete(joined, 1);
+  return nullptr;
 }
 
 void* KtTypeMgr::ConvertFromKtStringOld(KtString* text, char id, unsigned long count) {

@@ -1,9 +1,11 @@
 #include "ops/date_ops.h"
 
 #include "ktstring.h"
+#include "text/number_format.h"
 #include "values/narrow_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace kt {
@@ -38,9 +40,11 @@ void moveDateTimes(unsigned char* dst, const unsigned char* src, unsigned long c
   std::memcpy(dst, last, kTo);
 }
 
-// A decimal number, saturated at 32 bits.
+// A decimal number, saturated at 32 bits; 0 for other texts.
 long numberOf(const char* begin, const char* end) {
-  return storedLong(KtString(begin, static_cast<unsigned short>(end - begin)));
+  std::uint32_t number = 0;
+  scanInteger(begin, static_cast<unsigned long>(end - begin), "%d", number);
+  return static_cast<std::int32_t>(number);
 }
 
 template <bool kWildcards>
@@ -87,17 +91,20 @@ unsigned long DateTimeValue::load(void* dst, const void* src, unsigned char form
   return kDiskSize * count;
 }
 
-// Day number and seconds since midnight, as in "2453550:45296".
+// Day number and seconds since midnight, as in "2453550:45296". Written as a whole: a part, which is what remains when
+// memory runs out in between, would be another time.
 KtString DateTimeValue::toText(const KtDateTime& v) {
-  KtString text;
   if (v.IsNullValue()) {
-    text.SetNullValue();
-    return text;
+    KtString null;
+    null.SetNullValue();
+    return null;
   }
-  text += v.date.dayabs();
-  text += ':';
-  text += static_cast<long>(v.time);
-  return text;
+  constexpr unsigned long kNumber = 24;  // the longest of 64 bits takes 20 characters
+  char text[2 * kNumber];
+  char* colon = std::to_chars(text, text + kNumber, v.date.dayabs()).ptr;
+  *colon = ':';
+  const char* end = std::to_chars(colon + 1, text + sizeof text, static_cast<long>(v.time)).ptr;
+  return KtString(text, static_cast<unsigned short>(end - text));
 }
 
 // Without seconds: midnight. With nothing in front of the colon: no date, all zeros.
