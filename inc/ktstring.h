@@ -217,7 +217,8 @@ inline KtString& KtString::operator+=(char ch) {
   return *this;
 }
 
-KTTM_API KtString operator+(const KtString& a, const KtString& b);  // a's code set and language
+// In a's code set and language; empty when memory is exhausted.
+KTTM_API KtString operator+(const KtString& a, const KtString& b);
 
 // What a string may be added to and compared with: it stands for the string that its constructor makes. One overload for
 // each order of operands, and the very type of the operand, so that the conversions of KtString to numbers never compete.

@@ -121,7 +121,8 @@ KtString& KtString::operator+=(const unsigned short* text) {
 
 KtString operator+(const KtString& a, const KtString& b) {
   KtString sum(a);
-  sum += b;
+  const bool isCopied = a.buffer == nullptr || sum.buffer != nullptr;
+  if (!isCopied || !kt::append(sum, b.buffer, b.codeSet, b.Len())) kt::release(sum);
   return sum;
 }
 
