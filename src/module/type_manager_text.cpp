@@ -68,7 +68,7 @@ void* KtTypeMgr::ScanFromKtString(char id, void* values, KtString& in, const cha
 
 const KtString& KtTypeMgr::GetNullPrintString() { return kt::nullPrintString(); }
 
-void KtTypeMgr::SetNullPrintString(const KtString& text) { kt::nullPrintString() = text; }
+void KtTypeMgr::SetNullPrintString(const KtString& text) { kt::setNullPrintString(text); }
 
 int KtTypeMgr::SetNullValue(char id, void* value) {
   const KtTypeDescriptor& row = Row(id);
