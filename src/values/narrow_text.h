@@ -4,6 +4,7 @@
 
 #include "ktstring.h"
 #include "text/string_block.h"
+#include "text/text_units.h"
 
 #include <cstring>
 #include <optional>
@@ -11,11 +12,20 @@
 namespace kt {
 
 // A view of a string's text, converted where it has 16-bit characters. Lives no longer than the string.
+//
+// Only a long text of 16-bit characters takes memory; without it, it counts as an empty one.
 class NarrowText {
 public:
   explicit NarrowText(const KtString& in) {
     const KtString* source = &in;
-    if (in.CharSize() != 1) source = &(copy_.emplace() += in);
+    if (in.CharSize() != 1) {
+      length_ = in.Len();
+      if (length_ <= sizeof local_) {
+        narrow(in);
+        return;
+      }
+      source = &(copy_.emplace(narrowSet(), in.language) += in);
+    }
     const bool isPlain = source->buffer != nullptr && !mayHoldZero(source->buffer, source->bufferSize);
     length_ = isPlain ? source->bufferSize - 1u : source->Len();
     text_ = isPlain ? source->buffer : source->StrGet();
@@ -35,7 +45,13 @@ public:
   }
 
 private:
+  void narrow(const KtString& in) {
+    if (length_ != 0) mapUnits(local_, narrowSet(), in.buffer, in.codeSet, length_);
+    text_ = local_;
+  }
+
   std::optional<KtString> copy_;
+  char local_[128];
   const char* text_;
   unsigned long length_;
 };
