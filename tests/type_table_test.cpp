@@ -1,4 +1,6 @@
 // The type table: facts of the rows, resolution of ids, audits that must find no guilty row.
+#include "table/type_table.h"
+
 #include <kttm.h>
 
 #include <gtest/gtest.h>
@@ -207,6 +209,28 @@ TEST(TypeTable, twins_share_what_they_share) {
   }
   EXPECT_EQ(mgr.CmpFuncPtrGet(KT_ID_KtDWord), mgr.CmpFuncPtrGet(KT_ID_BlockId));
   EXPECT_NE(mgr.CmpFuncPtrGet(KT_ID_long), mgr.CmpFuncPtrGet(KT_ID_KtDWord));
+}
+
+// The manager always hands a format to the functions of a row; who calls them directly need not.
+TEST(TypeTable, operations_called_without_a_format_take_that_of_the_row_that_lends_them) {
+  for (int id = 0; id < KtTYPE_COUNT; ++id) {
+    const KtTypeDescriptor& row = *kt::currentTypeTable()[id];
+    int lender = 0;
+    while (kt::currentTypeTable()[lender]->PrintToKtString != row.PrintToKtString) ++lender;
+    const char* const format = kt::currentTypeTable()[lender]->Format;
+    void* value = row.DefaultValue(1, 0);
+    void* scanned[] = {row.DefaultValue(1, 0), row.DefaultValue(1, 0)};
+    KtString printed, expected;
+    row.PrintToKtString(printed, value, nullptr, 1);
+    row.PrintToKtString(expected, value, format, 1);
+    EXPECT_TRUE(printed == expected) << row.Name << ": " << printed.StrGet();
+    KtString text("2005-06-28 14:05:09");
+    row.ScanFromKtString(scanned[0], text, nullptr, 1);
+    row.ScanFromKtString(scanned[1], text, format, 1);
+    int status = 0;
+    EXPECT_EQ(row.Compare(8, 0, scanned[0], 0, scanned[1], 0x10, 1, status), 0) << row.Name;
+    for (void* made : {value, scanned[0], scanned[1]}) row.Delete(made, 1);
+  }
 }
 
 TEST(TypeTable, both_tables_share_their_rows_but_for_the_string) {

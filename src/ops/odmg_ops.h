@@ -15,6 +15,7 @@ namespace kt {
 
 // DISK: as KtDate.
 struct OdmgDateValue : DateStorage<d_Date> {
+  static constexpr char kFormat[] = "%a %b %e";
   static std::uint32_t word(unsigned char code, const unsigned char* p);
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
   // The absolute date. Years before 0 come last, as they do on disk: they count as the unsigned numbers.
@@ -31,6 +32,7 @@ struct OdmgDateValue : DateStorage<d_Date> {
 
 // DISK: six bytes in the order of the fields, in every format code.
 struct OdmgTimeValue : DateFamily<d_Time> {
+  static constexpr char kFormat[] = "%I:%M:%S %p";
   static long compareDisk(unsigned char, const unsigned char* a, const unsigned char* b) {
     return compareSignedBytes(a, b, sizeof(d_Time));
   }
@@ -56,6 +58,7 @@ struct OdmgTimeValue : DateFamily<d_Time> {
 
 // DISK: a d_Date, then a d_Time.
 struct OdmgTimestampValue : DateFamily<d_Timestamp> {
+  static constexpr char kFormat[] = "%a %b %e %I:%M:%S %p";
   static unsigned long store(void* dst, const void* src, unsigned char format, unsigned long count);
   static unsigned long load(void* dst, const void* src, unsigned char format, unsigned long count) {
     return store(dst, src, format, count);
@@ -75,6 +78,7 @@ struct OdmgTimestampValue : DateFamily<d_Timestamp> {
 
 // A float, as scalars are.
 struct OdmgIntervalValue : FloatValue {
+  static constexpr char kFormat[] = "%e days, %I hours, %M minutes, %S seconds";
   static void print(KtString& out, void* value, const char* format);
   static bool scan(void* value, const KtString& in, const char* format);
 };

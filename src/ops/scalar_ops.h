@@ -145,16 +145,22 @@ struct ScalarOps {
 
   // One value, whatever count is: the manager goes through runs.
   static KtString& print(KtString& out, void* values, const char* format, unsigned long) {
-    if (values != nullptr) V::print(out, values, format);
+    if (values != nullptr) V::print(out, values, formatOr(format));
     return out;
   }
 
   static void* scan(void* values, KtString& in, const char* format, unsigned long) {
-    if (values != nullptr) V::scan(values, in, format);
+    if (values != nullptr) V::scan(values, in, formatOr(format));
     return values;
   }
 
 private:
+  // Who calls without a format gets the row's own, which the description of the value names or finds itself.
+  static const char* formatOr(const char* format) {
+    if constexpr (requires { V::kFormat; }) return format != nullptr ? format : V::kFormat;
+    return format;
+  }
+
   // A missing or null string converts as an empty one, unless the type says otherwise.
   static Memory fromText(const KtString* text) {
     if (text != nullptr) return V::fromText(*text);

@@ -12,6 +12,16 @@
 namespace kt {
 namespace {
 
+// The formats of the rows that lend these functions to others (BlockId's print is that of long): what a caller without a
+// format gets.
+constexpr char kCharFormat[] = "%c";
+constexpr char kShortFormat[] = "%hd";
+constexpr char kLongFormat[] = "%ld";
+constexpr char kFloatFormat[] = "%f";
+constexpr char kDoubleFormat[] = "%lf";
+
+const char* formatOr(const char* own, const char* format) { return format != nullptr ? format : own; }
+
 // 7-bit printable characters: what every locale agrees on.
 bool isPrintable(unsigned char ch) { return ch >= 0x20 && ch < 0x7F; }
 
@@ -40,9 +50,9 @@ bool scanCharacter(unsigned char& value, const char* text, unsigned long length,
 }
 
 // The body of a row's scan.
-template <bool (*kScan)(void*, const KtString&, const char*)>
+template <bool (*kScan)(void*, const KtString&, const char*), const char* kOwn>
 void* scanFirst(void* values, const KtString& in, const char* format) {
-  if (values != nullptr) kScan(values, in, format);
+  if (values != nullptr) kScan(values, in, formatOr(kOwn, format));
   return values;
 }
 
@@ -62,6 +72,7 @@ static_assert(kShortBlock >= kShortNumberRoom && kShortBlock > kShortNumber + 2)
 template <class Stored>
 KtString& printStoredInteger(KtString& out, const void* values, const char* format) {
   if (values == nullptr) return out;
+  format = formatOr(sizeof(Stored) == 2 ? kShortFormat : kLongFormat, format);
   const std::int32_t value = readValue<Stored>(values);
   char* const block = shortBlock(out);
   if (block == nullptr) return printLongInteger(out, format, value);
@@ -76,6 +87,7 @@ KtString& printStoredInteger(KtString& out, const void* values, const char* form
 KtString& printChars(KtString& out, void* values, const char* format, unsigned long count) {
   out = "";
   if (values == nullptr) return out;
+  format = formatOr(kCharFormat, format);
   const auto* chars = static_cast<const unsigned char*>(values);
   NumberText text;
   for (unsigned long i = 0; i < count; ++i) {
@@ -91,6 +103,7 @@ KtString& printChars(KtString& out, void* values, const char* format, unsigned l
 
 void* scanChars(void* values, KtString& in, const char* format, unsigned long count) {
   if (values == nullptr) return nullptr;
+  format = formatOr(kCharFormat, format);
   const NarrowText text(in);
   auto* chars = static_cast<unsigned char*>(values);
   // One character of text an element, even behind a number of several digits.
@@ -114,7 +127,7 @@ bool scanShortValue(void* value, const KtString& in, const char* format) {
 }
 
 void* scanShort(void* values, KtString& in, const char* format, unsigned long) {
-  return scanFirst<scanShortValue>(values, in, format);
+  return scanFirst<scanShortValue, kShortFormat>(values, in, format);
 }
 
 KtString& printLong(KtString& out, void* values, const char* format, unsigned long) {
@@ -126,13 +139,13 @@ bool scanLongValue(void* value, const KtString& in, const char* format) {
 }
 
 void* scanLong(void* values, KtString& in, const char* format, unsigned long) {
-  return scanFirst<scanLongValue>(values, in, format);
+  return scanFirst<scanLongValue, kLongFormat>(values, in, format);
 }
 
 KtString& printFloat(KtString& out, void* values, const char* format, unsigned long) {
   if (values == nullptr) return out;
   NumberText text;
-  kt::printFloat(text, format, readValue<float>(values));
+  kt::printFloat(text, formatOr(kFloatFormat, format), readValue<float>(values));
   return assignNumber(out, text);
 }
 
@@ -143,13 +156,13 @@ bool scanFloatValue(void* value, const KtString& in, const char* format) {
 }
 
 void* scanFloat(void* values, KtString& in, const char* format, unsigned long) {
-  return scanFirst<scanFloatValue>(values, in, format);
+  return scanFirst<scanFloatValue, kFloatFormat>(values, in, format);
 }
 
 KtString& printDouble(KtString& out, void* values, const char* format, unsigned long) {
   if (values == nullptr) return out;
   NumberText text;
-  kt::printDouble(text, format, readValue<double>(values));
+  kt::printDouble(text, formatOr(kDoubleFormat, format), readValue<double>(values));
   return assignNumber(out, text);
 }
 
@@ -160,7 +173,7 @@ bool scanDoubleValue(void* value, const KtString& in, const char* format) {
 }
 
 void* scanDouble(void* values, KtString& in, const char* format, unsigned long) {
-  return scanFirst<scanDoubleValue>(values, in, format);
+  return scanFirst<scanDoubleValue, kDoubleFormat>(values, in, format);
 }
 
 }  // namespace kt

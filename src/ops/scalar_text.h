@@ -2,9 +2,10 @@
 //
 // Printing replaces `out` (characters: all `count` of them as one text; other scalars: the first value, whatever count
 // is); a null pointer to values prints nothing. Scanning sets the first value (characters: up to `count` of them) and
-// leaves it unchanged where the text does not match. Formats: see text/number_format.h.
+// leaves it unchanged where the text does not match. Formats: see text/number_format.h; a null one stands for the format
+// of the row that the function is named after, also in the rows that share the function.
 //
-// The scan...Value functions scan one value and tell whether the text matched; their pointers are not null.
+// The scan...Value functions scan one value and tell whether the text matched; their pointers, the format among them, are not null.
 #ifndef KT_OPS_SCALAR_TEXT_H
 #define KT_OPS_SCALAR_TEXT_H
 

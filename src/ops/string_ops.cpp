@@ -26,6 +26,7 @@ KtTypeConvertData* StringArrayOps::convertTo(void* values, unsigned long count) 
 
 KtString& printString(KtString& out, const KtString* value, const char* format) {
   if (value == nullptr) return out;
+  if (format == nullptr) format = "%s";
   const char* from = format;  // of what is not yet appended
   bool isPrinted = false;
   for (const char* at = format; *at != 0;) {

@@ -16,7 +16,7 @@ struct StringArrayOps : HandleArrays<KtString> {
 };
 
 // Printing appends the text where the format holds "%s", the first time; "%%" is a percent sign, and all else stands for
-// itself. Looks at the first value only, and does nothing without one.
+// itself; a null format is "%s". Looks at the first value only, and does nothing without one.
 KtString& printString(KtString& out, const KtString* value, const char* format);
 
 template <class Kind>
