@@ -30,14 +30,20 @@ function(kttm_register_tests target)
   endforeach()
 endfunction()
 
-file(GLOB test_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*.cpp" "${PROJECT_SOURCE_DIR}/tests/laws/*.cpp")
+# The rows and their sample values, which several test programs go through.
+add_library(kttm_samples OBJECT "${PROJECT_SOURCE_DIR}/tests/laws/samples.cpp"
+                                "${PROJECT_SOURCE_DIR}/tests/laws/values.cpp")
+kttm_use_flags(kttm_samples)
+target_include_directories(kttm_samples PUBLIC "${PROJECT_SOURCE_DIR}/tests"
+                           PRIVATE $<TARGET_PROPERTY:kttm_objects,INTERFACE_INCLUDE_DIRECTORIES>)
+
+file(GLOB test_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*.cpp" "${PROJECT_SOURCE_DIR}/tests/laws/laws.cpp")
 if(test_sources)
   add_executable(kttm_tests ${test_sources})
   kttm_use_flags(kttm_tests)
   kttm_link_inside(kttm_tests)
-  target_include_directories(kttm_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_compile_definitions(kttm_tests PRIVATE KT_TESTS_DIR="${PROJECT_SOURCE_DIR}/tests")
-  target_link_libraries(kttm_tests PRIVATE GTest::gtest_main)
+  target_link_libraries(kttm_tests PRIVATE kttm_samples GTest::gtest_main)
   kttm_register_tests(kttm_tests)
   # The laws: thousands of cases that take less time than a process.
   if(KTTM_TEST_SHARDS EQUAL 0)
@@ -46,15 +52,20 @@ if(test_sources)
   endif()
 endif()
 
-# Settings that are read once a process need a program for each value: tests/own_process/<name>.cpp is one.
+# What is read or built once a process, and what replaces the process's allocator, needs a program of its own:
+# tests/own_process/<name>.cpp is one.
+find_package(Threads REQUIRED)
 file(GLOB own_process_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/own_process/*.cpp")
 foreach(source IN LISTS own_process_sources)
   get_filename_component(name "${source}" NAME_WE)
   add_executable(${name} "${source}")
   kttm_use_flags(${name})
   kttm_link_inside(${name})
-  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE kttm_samples Threads::Threads GTest::gtest_main)
+  if(name MATCHES "^allocation_failure")
+    target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/failing_allocations/failing_allocations.cpp")
+    target_link_options(${name} PRIVATE LINKER:--wrap=malloc,--wrap=calloc,--wrap=realloc,--wrap=free)
+  endif()
   kttm_register_tests(${name})
 endforeach()
 

@@ -1,6 +1,7 @@
 // The laws over all rows of the type table and their samples, and audits of the table that must find no guilty row.
 #include "laws/laws.h"
 
+#include "laws/values.h"
 #include "table/type_table.h"
 
 #include <gtest/gtest.h>

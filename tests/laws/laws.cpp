@@ -1,5 +1,6 @@
 #include "laws/laws.h"
 
+#include "laws/values.h"
 #include "string_bytes.h"
 #include "table/type_table.h"
 
@@ -11,12 +12,6 @@
 #include <utility>
 
 namespace kt_laws {
-
-KtTypeMgr& managerOf(const Row& row) {
-  static KtTypeMgr current(12);
-  static KtTypeMgr legacy(11);
-  return row.version == 12 ? current : legacy;
-}
 
 namespace {
 
@@ -45,32 +40,6 @@ void require(bool holds, Findings& findings, const Parts&... parts) {
 
 // --- values in memory and on disk -----------------------------------------------------------------------------------
 
-// An array that the manager made.
-class Values {
-public:
-  Values(const Row& row, unsigned long count) : Values(row, count, managerOf(row).Create(row.id, count)) {}
-  Values(const Row& row, unsigned long count, void* made) : row_(&row), count_(count), made_(made) {}
-  Values(Values&& other) noexcept
-      : row_(other.row_), count_(other.count_), made_(std::exchange(other.made_, nullptr)) {}
-  Values& operator=(Values&& other) noexcept {
-    std::swap(row_, other.row_);
-    std::swap(count_, other.count_);
-    std::swap(made_, other.made_);
-    return *this;
-  }
-  ~Values() {
-    if (made_ != nullptr) managerOf(*row_).Delete(row_->id, made_, count_);
-  }
-  void* at(unsigned long i) const { return static_cast<char*>(made_) + i * managerOf(*row_).MemLenGet(row_->id, 1); }
-  void* get() const { return made_; }
-  unsigned long count() const { return count_; }
-
-private:
-  const Row* row_;
-  unsigned long count_;
-  void* made_;
-};
-
 // A run on disk, at an odd address and between two guards.
 struct Disk {
   Bytes room;
@@ -79,27 +48,6 @@ struct Disk {
   unsigned long size() const { return static_cast<unsigned long>(room.size() - 2); }
   bool isGuarded(unsigned char fill) const { return room.front() == fill && room.back() == fill; }
 };
-
-Values convertFrom(const Row& row, KtString text) {
-  KtTypeConvertData* holder = KtTypeConvertData::Make(KT_ID_KtString, 1, &text, nullptr);
-  Values values(row, 1, managerOf(row).ConvertFrom(row.id, holder, 1));
-  holder->typeManager = nullptr;
-  delete holder;
-  return values;
-}
-
-Values make(const Row& row, const Sample& sample) {
-  if (sample.source == Sample::kText) return convertFrom(row, KtString(sample.content.c_str()));
-  Values values(row, 1);
-  if (sample.source == Sample::kNull) managerOf(row).SetNullValue(row.id, values.get());
-  if (sample.source == Sample::kBytes)
-    managerOf(row).Load(row.id, values.get(), kt_test::hex(sample.content).data(), 2, 1);
-  if (sample.source == Sample::kScan) {
-    KtString text(sample.content.c_str());
-    managerOf(row).ScanFromKtString(row.id, values.get(), text, sample.format, 1);
-  }
-  return values;
-}
 
 // Stores twice over different bytes, so that a byte that is not written shows.
 Disk store(const Row& row, const Values& values, unsigned char format, Findings& findings) {
@@ -434,16 +382,6 @@ void printScan(const Row& row, const Sample* sample, Findings& findings) {
 }
 
 // --- rows as a whole ------------------------------------------------------------------------------------------------------
-
-// count values: the samples in turn.
-Values makeRun(const Row& row, unsigned long count) {
-  Values run(row, count);
-  for (unsigned long i = 0; i < count; ++i) {
-    const Values value = make(row, row.samples[i % row.samples.size()]);
-    managerOf(row).AssignmentPtrGet(row.id)(run.at(i), value.get(), 1, 0);
-  }
-  return run;
-}
 
 // SetNullValue gives the default where there is no null.
 void checkNoNull(const Row& row, Findings& findings) {

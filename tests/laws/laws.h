@@ -26,8 +26,6 @@ extern const Law kStoreLoad, kSizes, kTranslate, kOrder, kTotalOrder, kHash, kHa
     kPrintScan;
 extern const Law kNull, kRuns, kOverrun;  // of rows
 
-KtTypeMgr& managerOf(const Row& row);
-
 }  // namespace kt_laws
 
 #endif

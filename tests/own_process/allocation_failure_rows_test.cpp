@@ -1,0 +1,332 @@
+// Every operation of every row, with each of its allocations failing in turn: what the caller gets is the whole result, an
+// unchanged value or the quiet answer; the memory handler was called, nothing leaks, and the next try succeeds.
+#include "failing_allocations/failing_allocations.h"
+#include "laws/values.h"
+
+#include <kttm.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace kt_laws;
+using kt_test::Fail;
+using kt_test::FailingAllocations;
+
+constexpr unsigned char kMemory = 8;
+constexpr unsigned char kDisk = 2;
+constexpr unsigned char kSwapped = 4;
+
+// Reaches the older conversions.
+class Manager : public KtTypeMgr {
+public:
+  explicit Manager(unsigned long version) : KtTypeMgr(version) {}
+  using KtTypeMgr::ConvertFromKtStringOld;
+  using KtTypeMgr::ConvertToKtStringOld;
+};
+
+std::string store(const Row& row, void* values, unsigned char format, unsigned long count) {
+  const KtTypeMgr& mgr = managerOf(row);
+  std::string bytes(mgr.DiskLenGet(row.id, values, format, count, kMemory), '\0');
+  mgr.Store(row.id, bytes.data(), values, format, count);
+  return bytes;
+}
+
+using Images = std::vector<std::string>;
+
+// Each value by itself, as it stores. Goes through what a value must bear: hash, compare, test for null.
+Images imagesOf(const Row& row, void* values, unsigned long count) {
+  const KtTypeMgr& mgr = managerOf(row);
+  Images images;
+  for (unsigned long i = 0; i < count; ++i) {
+    void* value = static_cast<char*>(values) + i * mgr.MemLenGet(row.id, 1);
+    int status = 0;
+    mgr.Hash(row.id, 0, value, 1, kMemory, status);
+    mgr.Cmp(row.id, value, value, 0, 1, kMemory);
+    images.push_back(store(row, value, kDisk, 1) + (mgr.IsNullValue(row.id, value) != 0 ? "null" : ""));
+  }
+  return images;
+}
+
+// What operations work on, made anew for every try, and what they give.
+struct Scene {
+  explicit Scene(const Row& of, unsigned long values)
+      : row(of),
+        mgr(of.version),
+        count(values),
+        source(makeRun(of, values)),
+        target(of, values),
+        disk(store(of, source.get(), kDisk, values)),
+        swapped(store(of, source.get(), kSwapped, values)) {
+    const Values last = make(row, row.samples.back());
+    mgr.AssignmentPtrGet(row.id)(target.get(), last.get(), count, 1);
+    texts = mgr.ConvertTo(row.id, source.get(), count);
+    mgr.PrintToKtString(row.id, text, source.at(count - 1), nullptr, 1);
+    wideText = text;
+    wideText.SetCodeSet(253);
+    KtString* all = mgr.ConvertToKtStringOld(source.get(), row.id, count);
+    joined = *all;
+    mgr.Delete(KT_ID_KtString, all, 1);
+    raw.resize((count * mgr.MemLenGet(row.id, 1) + sizeof(double) - 1) / sizeof(double));
+  }
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
+  ~Scene() {
+    delete texts;
+    delete holder;
+    KtFreeIdxBounds(&bounds);
+    if (rawIsUsed) mgr.DestructorPtrGet(row.id)(raw.data(), count, 0);
+    if (made != nullptr) mgr.Delete(row.id, made, count);
+    if (list != nullptr) mgr.Delete(KT_ID_KtString, list, 1);
+  }
+
+  const Row& row;
+  Manager mgr;
+  unsigned long count;
+  Values source, target;
+  std::string disk, swapped;
+  KtTypeConvertData* texts = nullptr;
+  KtString text, wideText, joined;
+  std::vector<double> raw;  // room without values
+
+  void* made = nullptr;
+  bool rawIsUsed = false;
+  KtTypeConvertData* holder = nullptr;
+  KtString* list = nullptr;
+  KtString out;
+  KtIdxBounds bounds;
+};
+
+std::string imageOf(const KtString& s) {
+  return std::string(s.StrGet(), s.bufferSize) + char(s.codeSet) + char(s.language);
+}
+
+std::string imageOf(const unsigned char* key, unsigned char length) {
+  return key == nullptr ? "" : std::string(reinterpret_cast<const char*>(key), length) + "set";
+}
+
+// All that an operation gave, value by value; empty where it gave nothing.
+Images resultOf(Scene& scene) {
+  Images images = imagesOf(scene.row, scene.target.get(), scene.count);
+  const auto add = [&](void* values) {
+    const Images more = values == nullptr ? Images(scene.count) : imagesOf(scene.row, values, scene.count);
+    images.insert(images.end(), more.begin(), more.end());
+  };
+  add(scene.made);
+  add(scene.rawIsUsed ? scene.raw.data() : nullptr);
+  for (unsigned long i = 0; i < scene.count; ++i) {
+    const KtString* text = scene.holder == nullptr ? nullptr : scene.holder->GetString(static_cast<int>(i));
+    images.push_back(text == nullptr ? "" : imageOf(*text));
+  }
+  images.push_back(scene.list == nullptr ? "" : imageOf(*scene.list));
+  images.push_back(imageOf(scene.out));
+  images.push_back(imageOf(scene.bounds.lowKey, scene.bounds.lowKeyLength));
+  images.push_back(imageOf(scene.bounds.highKey, scene.bounds.highKeyLength));
+  return images;
+}
+
+enum Kind {
+  kValues,   // each value is the result, the old one, or one without content
+  kLists,    // a text in which some pieces may be missing
+  kUnknown,  // new memory without a value in it
+};
+
+struct Operation {
+  const char* name;
+  Kind kind;
+  void (*run)(Scene& s);
+};
+
+constexpr Operation kOperations[] = {
+    {"Create", kUnknown, [](Scene& s) { s.made = s.mgr.Create(s.row.id, s.count); }},
+    {"DefaultValue", kValues, [](Scene& s) { s.made = s.mgr.DefaultValue(s.row.id, s.count, 0); }},
+    {"DefaultValue as null", kValues, [](Scene& s) { s.made = s.mgr.DefaultValue(s.row.id, s.count, 1); }},
+    {"Constructor", kValues,
+     [](Scene& s) {
+       s.mgr.ConstructorPtrGet(s.row.id)(s.raw.data(), s.count, 0);
+       s.rawIsUsed = true;
+     }},
+    {"Copy", kValues,
+     [](Scene& s) {
+       s.mgr.CopyPtrGet(s.row.id)(s.raw.data(), s.source.get(), s.count, 0);
+       s.rawIsUsed = true;
+     }},
+    {"Assignment", kValues,
+     [](Scene& s) { s.mgr.AssignmentPtrGet(s.row.id)(s.target.get(), s.source.get(), s.count, 0); }},
+    {"Assignment with fill", kValues,
+     [](Scene& s) { s.mgr.AssignmentPtrGet(s.row.id)(s.target.get(), s.source.get(), s.count, 1); }},
+    {"Load", kValues, [](Scene& s) { s.mgr.Load(s.row.id, s.target.get(), s.disk.data(), kDisk, s.count); }},
+    {"Load in code 4", kValues,
+     [](Scene& s) { s.mgr.Load(s.row.id, s.target.get(), s.swapped.data(), kSwapped, s.count); }},
+    {"Translate to memory", kValues,
+     [](Scene& s) { s.mgr.Translate(s.row.id, s.target.get(), kMemory, 0, s.disk.data(), kDisk, s.disk.size(), 1); }},
+    {"Translate in memory", kValues,
+     [](Scene& s) {
+       const unsigned long size = s.count * s.mgr.MemLenGet(s.row.id, 1);
+       s.mgr.Translate(s.row.id, s.target.get(), kMemory, size, s.source.get(), kMemory, size, s.count);
+     }},
+    {"Store", kValues, [](Scene& s) { s.mgr.Store(s.row.id, s.disk.data(), s.source.get(), kDisk, s.count); }},
+    {"SetNullValue", kValues, [](Scene& s) { s.mgr.SetNullValue(s.row.id, s.target.get()); }},
+    {"ConvertTo", kValues, [](Scene& s) { s.holder = s.mgr.ConvertTo(s.row.id, s.source.get(), s.count); }},
+    {"ConvertFrom", kValues, [](Scene& s) { s.made = s.mgr.ConvertFrom(s.row.id, s.texts, s.count); }},
+    {"ConvertTo, older", kLists,
+     [](Scene& s) { s.list = s.mgr.ConvertToKtStringOld(s.source.get(), s.row.id, s.count); }},
+    {"ConvertFrom, older", kLists,
+     [](Scene& s) { s.made = s.mgr.ConvertFromKtStringOld(&s.joined, s.row.id, s.count); }},
+    {"PrintToKtString", kValues, [](Scene& s) { s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), nullptr, 1); }},
+    {"PrintToKtString of a run", kLists,
+     [](Scene& s) { s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), nullptr, s.count); }},
+    {"PrintToKtString of long text", kLists,
+     [](Scene& s) {
+       constexpr char kFormat[] = "a format that is longer than the smallest block of a text: %Y %d %s %L %S %lf %c";
+       s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), kFormat, 1);
+     }},
+    {"ScanFromKtString", kValues,
+     [](Scene& s) { s.mgr.ScanFromKtString(s.row.id, s.target.get(), s.text, nullptr, 1); }},
+    {"ScanFromKtString of wide text", kValues,
+     [](Scene& s) { s.mgr.ScanFromKtString(s.row.id, s.target.get(), s.wideText, nullptr, 1); }},
+    {"Cmp", kValues, [](Scene& s) { s.mgr.Cmp(s.row.id, s.source.get(), s.target.get(), 0, s.count, kMemory); }},
+    {"EvalAndBound", kValues,
+     [](Scene& s) {
+       unsigned short flags = KtBOUND_EQUAL;
+       s.mgr.EvalAndBound(s.row.id, nullptr, flags, s.source.at(s.count - 1), kMemory, 1, &s.bounds, nullptr);
+     }},
+};
+
+// --- one try ----------------------------------------------------------------------------------------------------------
+
+struct Expected {
+  Images before, after, withoutContent;
+};
+
+// A text that could not be copied has the code set and the language already.
+void addEmptyStrings(const Row& row, Images& images) {
+  const bool isStringRow = managerOf(row).IsFixed(row.id) == 0 && row.format != nullptr;
+  for (const int codeSet : {0, 1, 253}) {
+    for (const int language : {0, 1, 254}) {
+      KtString s(codeSet, language);
+      images.push_back(imageOf(s));
+      if (isStringRow) images.push_back(imagesOf(row, &s, 1)[0]);
+    }
+  }
+  images.push_back("");
+}
+
+Expected expectedOf(const Row& row, const Operation& operation, unsigned long count) {
+  Scene scene(row, count);
+  Expected expected;
+  expected.before = resultOf(scene);
+  operation.run(scene);
+  expected.after = resultOf(scene);
+  const KtTypeMgr& mgr = managerOf(row);
+  const Values made(row, 1, mgr.DefaultValue(row.id, 1, 0));
+  const Values null(row, 1, mgr.DefaultValue(row.id, 1, 1));
+  const Values constructed(row, 1);
+  mgr.DestructorPtrGet(row.id)(constructed.get(), 1, 0);
+  mgr.ConstructorPtrGet(row.id)(constructed.get(), 1, 0);
+  for (const Values* values : {&made, &null, &constructed})
+    expected.withoutContent.push_back(imagesOf(row, values->get(), 1)[0]);
+  addEmptyStrings(row, expected.withoutContent);
+  return expected;
+}
+
+bool isWithin(const Images& found, const Expected& expected) {
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const auto& quiet = expected.withoutContent;
+    if (found[i] != expected.before[i] && found[i] != expected.after[i] &&
+        std::find(quiet.begin(), quiet.end(), found[i]) == quiet.end())
+      return false;
+  }
+  return true;
+}
+
+struct Outcome {
+  bool hasFailed = false;
+  const char* problem = nullptr;
+};
+
+Outcome tryOnce(const Row& row, const Operation& operation, const Expected& expected, unsigned long count,
+                unsigned long number, Fail mode) {
+  Outcome outcome;
+  Scene scene(row, count);
+  unsigned long handlerCalls = 0;
+  {
+    FailingAllocations failing(number, mode);
+    operation.run(scene);
+    outcome.hasFailed = failing.hasFailed();
+    handlerCalls = failing.handlerCalls();
+  }
+  const Images found = resultOf(scene);
+  const bool isWhole = found == expected.after;
+  if (operation.kind == kValues && !isWithin(found, expected)) outcome.problem = "is neither old, new nor empty";
+  if (operation.kind != kUnknown && !outcome.hasFailed && !isWhole) outcome.problem = "differs without a failure";
+  if (operation.kind != kUnknown && !isWhole && handlerCalls == 0) outcome.problem = "the handler was not called";
+  return outcome;
+}
+
+// The same values, without a failure, after one.
+const char* tryAgain(const Row& row, const Operation& operation, const Expected& expected, unsigned long count) {
+  Scene scene(row, count);
+  {
+    FailingAllocations failing(1, Fail::kAllFrom);
+    operation.run(scene);
+  }
+  if (scene.made != nullptr || scene.rawIsUsed || scene.holder != nullptr || scene.list != nullptr) return nullptr;
+  if (!scene.out.IsEmpty() || operation.kind != kValues) return nullptr;
+  operation.run(scene);
+  return resultOf(scene) == expected.after ? nullptr : "differs in the next try";
+}
+
+void check(const Row& row, const Operation& operation, unsigned long count) {
+  const Expected expected = expectedOf(row, operation, count);
+  const auto fail = [&](const char* problem, unsigned long number, Fail mode) {
+    ADD_FAILURE() << row.stem << " " << operation.name << " of " << count << ", allocation " << number
+                  << (mode == Fail::kOne ? "" : " and all behind it") << ": " << problem;
+  };
+  for (const Fail mode : {Fail::kOne, Fail::kAllFrom}) {
+    bool isDone = false;
+    for (unsigned long number = 1; !isDone; ++number) {
+      const long live = kt_test::liveBlocks();
+      const Outcome outcome = tryOnce(row, operation, expected, count, number, mode);
+      if (kt_test::liveBlocks() != live) fail("leaks", number, mode);
+      if (outcome.problem != nullptr) fail(outcome.problem, number, mode);
+      isDone = !outcome.hasFailed;
+    }
+  }
+  if (const char* problem = tryAgain(row, operation, expected, count)) fail(problem, 1, Fail::kAllFrom);
+}
+
+TEST(AllocationFailure, leaves_the_values_of_all_rows_valid) {
+  for (const Row& row : rows()) {
+    for (const Operation& operation : kOperations) {
+      for (const unsigned long count : {std::size_t{1}, row.samples.size()}) check(row, operation, count);
+    }
+  }
+}
+
+// The operations that are pure need no memory at all: they cannot fail.
+TEST(AllocationFailure, comparing_hashing_sizing_storing_take_no_memory) {
+  for (const Row& row : rows()) {
+    Scene s(row, row.samples.size());
+    const KtTypeMgr& mgr = s.mgr;
+    int status = 0;
+    FailingAllocations failing(1, Fail::kAllFrom);
+    for (const unsigned char format : {kMemory, kDisk, kSwapped}) {
+      std::string& disk = format == kSwapped ? s.swapped : s.disk;
+      void* values = format == kMemory ? s.source.get() : disk.data();
+      mgr.Cmp(row.id, 0, values, 0, values, 0x10, s.count, format, status);
+      mgr.Hash(row.id, 0, values, s.count, format, status);
+      mgr.DiskLenGet(row.id, values, format, s.count, format);
+      if (format != kMemory) mgr.Store(row.id, disk.data(), s.source.get(), format, s.count);
+    }
+    mgr.Cmp(row.id, s.source.get(), s.target.get(), 0, s.count, kMemory);
+    EXPECT_FALSE(failing.hasFailed()) << row.stem;
+  }
+}
+
+}  // namespace
