@@ -83,8 +83,24 @@ if(KTTM_NATIVE64)
                    $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)
 endif()
 
-# The tool as a user starts it, through the emulator where there is one.
 find_program(KTTM_BASH bash)
+
+# Sanitizers add exports of their own.
+if(Python3_FOUND AND NOT WIN32 AND NOT KTTM_SANITIZE)
+  add_test(NAME libraries.export_what_the_lists_say
+           COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/tests/libraries/check_exports.py"
+                   $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)
+endif()
+
+# Uses the installed libraries from outside; once is enough, in the build that is installed.
+if(KTTM_NATIVE64 AND KTTM_BASH AND NOT KTTM_SANITIZE AND TARGET kttm_tool)
+  add_test(NAME consumer.uses_the_installed_libraries
+           COMMAND "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/consumer/run.sh" "${CMAKE_COMMAND}"
+                   "${CMAKE_CXX_COMPILER}" "${PROJECT_BINARY_DIR}" "${PROJECT_BINARY_DIR}/consumer")
+  set_tests_properties(consumer.uses_the_installed_libraries PROPERTIES TIMEOUT 300)
+endif()
+
+# The tool as a user starts it, through the emulator where there is one.
 if(TARGET kttm_tool AND KTTM_BASH)
   add_test(NAME tool.cases_and_help_examples
            COMMAND "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/run_cases.sh"
