@@ -1,5 +1,6 @@
 // replay_main.cpp - runs a fuzz harness over files, without a fuzz engine: every file of the folders and every file that
-// the arguments name. A folder that does not exist is an empty one. The empty input is always run.
+// the arguments name. The empty input is always run. Exit status 1 when an argument names nothing: a corpus that has moved
+// must not pass for one without findings.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -43,6 +44,10 @@ int main(int argc, char** argv) {
   const std::uint8_t nothing = 0;
   LLVMFuzzerTestOneInput(&nothing, 0);
   for (int i = 1; i < argc; ++i) {
+    if (!fs::exists(argv[i])) {
+      std::fprintf(stderr, "%s: no such file or folder\n", argv[i]);
+      return 1;
+    }
     for (const fs::path& file : inputFiles(argv[i])) replay(file);
   }
   return 0;

@@ -2,7 +2,8 @@
 """Writes src/values/character_names.cpp: what the 256 characters of code set 1 are called.
 
   generate_character_names.py            writes it
-  generate_character_names.py --check    writes nothing; exit status 1 if the committed file differs
+  generate_character_names.py --check    writes nothing; exit status 1 if the committed file differs, 77 where there is
+                                         no data
 
 Source: the Unicode character database (Debian package unicode-data). Controls, which have no name of their own, go by
 the name that they had in Unicode 1.0; the four that never had one by their code.
@@ -42,9 +43,15 @@ def source():
 
 
 def main():
+    check = sys.argv[1:] == ["--check"]
+    if check and not DATA.exists():
+        print(f"not checked: there is no {DATA} (Debian package unicode-data)")
+        return 77
     text = source()
     stale = not TARGET.exists() or TARGET.read_text(encoding="ascii") != text
-    if sys.argv[1:] == ["--check"]:
+    if check:
+        if stale:
+            print("differs: " + TARGET.name)
         return 1 if stale else 0
     TARGET.write_text(text, encoding="ascii")
     return 0
