@@ -24,8 +24,9 @@ install_packages() {
 packages_for() {
   local base="cmake ninja-build ccache python3 libcli11-dev"
   case $1 in
-    release | asan | tsan) echo "$base g++ libgtest-dev liblmdb-dev" ;;
-    clang) echo "$base g++ clang libgtest-dev liblmdb-dev" ;;
+    release) echo "$base g++ libgtest-dev liblmdb-dev pkg-config unicode-data" ;;
+    asan | tsan) echo "$base g++ libgtest-dev liblmdb-dev" ;;
+    clang) echo "$base g++ clang libgtest-dev liblmdb-dev pkg-config" ;;
     fuzz) echo "$base g++ clang libclang-rt-14-dev libgtest-dev liblmdb-dev" ;;
     bench) echo "$base g++ libbenchmark-dev libicu-dev libfmt-dev liblmdb-dev libxxhash-dev libhowardhinnant-date-dev" ;;
     x86) echo "$base g++-12 g++-12-multilib googletest" ;;
