@@ -6,13 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace {
+namespace kt {
 
-void setBound(unsigned char*& bound, unsigned char& boundLength, const void* key, unsigned long length) {
-  if (bound != nullptr) return;
-  auto* copy = static_cast<unsigned char*>(std::malloc(std::max(length, 1ul)));
+void setBound(unsigned char*& bound, unsigned char& boundLength, const void* key, unsigned long length,
+              unsigned long room) {
+  auto* copy = static_cast<unsigned char*>(std::calloc(std::max(room, 1ul), 1));
   if (copy == nullptr) {
-    KtCallMemoryHandler(length);
+    KtCallMemoryHandler(room);
     return;
   }
   if (length != 0) std::memcpy(copy, key, length);
@@ -20,16 +20,14 @@ void setBound(unsigned char*& bound, unsigned char& boundLength, const void* key
   boundLength = static_cast<unsigned char>(length);
 }
 
-}  // namespace
-
-namespace kt {
-
 void recordBounds(KtIdxBounds* result, const void* key, unsigned short& flags, unsigned long length) {
   if (result == nullptr) return;
   flags &= kBoundFlags;
   const unsigned long kept = std::min<unsigned long>(length, KtINDEX_MAX_KEYLEN);
-  if ((flags & KtBOUND_LESS) == 0) setBound(result->lowKey, result->lowKeyLength, key, kept);
-  if ((flags & KtBOUND_GREATER) == 0) setBound(result->highKey, result->highKeyLength, key, kept);
+  if (result->lowKey == nullptr && (flags & KtBOUND_LESS) == 0)
+    setBound(result->lowKey, result->lowKeyLength, key, kept, kept);
+  if (result->highKey == nullptr && (flags & KtBOUND_GREATER) == 0)
+    setBound(result->highKey, result->highKeyLength, key, kept, kept);
 }
 
 }  // namespace kt

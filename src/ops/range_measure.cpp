@@ -24,24 +24,24 @@ double below(double key, const KeyRange<double>& range, double unit) {
 }
 
 // A key that is NaN stays one, and selects all: it equals every number.
-double equalTo(double key, const KeyRange<double>& range, double unit) {
-  return term(finite(std::min(key, range.high) - std::max(key, range.low)) + unit);
+double equalTo(const KeyRange<double>& keys, const KeyRange<double>& range, double unit) {
+  return term(finite(std::min(keys.high, range.high) - std::max(keys.low, range.low)) + unit);
 }
 
 double equalMeasure(const NullableNumber& key, const KeyRange<NullableNumber>& range) {
   if (key.isNull) return range.low.isNull ? kNullGuess : 0;
   if (range.high.isNull) return 0;
   if (range.low.isNull) return kKeyAmongNullsGuess;
-  return equalTo(key.value, {range.low.value, range.high.value}, kWholeUnit);
+  return equalTo({key.value, key.value}, {range.low.value, range.high.value}, kWholeUnit);
 }
 
 }  // namespace
 
-double rangeMeasure(unsigned short flags, double key, const KeyRange<double>& range, double unit) {
+double rangeMeasure(unsigned short flags, const KeyRange<double>& keys, const KeyRange<double>& range, double unit) {
   double measure = 0;
-  if ((flags & KtBOUND_GREATER) != 0) measure += above(key, range, unit);
-  if ((flags & KtBOUND_LESS) != 0) measure += below(key, range, unit);
-  if ((flags & KtBOUND_EQUAL) != 0) measure += equalTo(key, range, unit);
+  if ((flags & KtBOUND_GREATER) != 0) measure += above(keys.high, range, unit);
+  if ((flags & KtBOUND_LESS) != 0) measure += below(keys.low, range, unit);
+  if ((flags & KtBOUND_EQUAL) != 0) measure += equalTo(keys, range, unit);
   return measure;
 }
 

@@ -28,8 +28,14 @@ constexpr double kSideGuess = 0.5;           // less or greater: it may or may n
 constexpr double kNullGuess = 0.001;         // a null among keys that begin with nulls: nulls are rare
 constexpr double kKeyAmongNullsGuess = 0.1;  // a value where only the upper end of the range is one
 
-// The part of the range, in units, that the flags (KtBOUND_...) select around the key. 0 or more, possibly infinite.
-double rangeMeasure(unsigned short flags, double key, const KeyRange<double>& range, double unit = kWholeUnit);
+// The part of the range, in units, that the flags (KtBOUND_...) select around a span of keys. 0 or more, possibly
+// infinite.
+double rangeMeasure(unsigned short flags, const KeyRange<double>& keys, const KeyRange<double>& range, double unit);
+
+// The same around one key, in whole units.
+inline double rangeMeasure(unsigned short flags, double key, const KeyRange<double>& range) {
+  return rangeMeasure(flags, {key, key}, range, kWholeUnit);
+}
 
 // The same where keys may be null, in whole units.
 double rangeMeasure(unsigned short flags, const NullableNumber& key, const KeyRange<NullableNumber>& range);

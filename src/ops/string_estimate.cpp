@@ -3,14 +3,14 @@
 
 #include "ops/bounds.h"
 #include "ops/order_number.h"
-#include "ops/span_measure.h"
+#include "ops/range_measure.h"
 #include "ops/string_bounds.h"
 #include "ops/string_kinds.h"
 #include "ops/string_run_ops.h"
 
 #include <ktbs.h>
 
-#include <cstdlib>
+#include <algorithm>
 
 namespace kt {
 namespace {
@@ -48,10 +48,10 @@ double tieOf(const BoundKey& bound, Comparison& comparison, unsigned flags, unsi
 
 template <class Kind>
 double selectedArea(const OrderSpans& spans, const BoundKey& low, const BoundKey& high, Comparison& comparison,
-                    unsigned flags, unsigned char code) {
+                    unsigned short flags, unsigned char code) {
   const double first = spans.key.first;
   const double last = comparison.isPattern ? spans.key.last : first;
-  double area = spanMeasure(flags, first, last, spans.low.first, spans.high.first, spans.unit);
+  double area = rangeMeasure(flags, {first, last}, {spans.low.first, spans.high.first}, spans.unit);
   if (comparison.isPattern) return area;
   if (spans.low.first == first) area += tieOf<Kind>(low, comparison, flags, code, spans.unit);
   if (spans.high.first == first) area += tieOf<Kind>(high, comparison, flags, code, spans.unit);
@@ -65,7 +65,7 @@ void checkWildcard(const Comparison& comparison, unsigned flags, double area, do
 }
 
 template <class Kind>
-double estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned flags, unsigned char code) {
+double estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned short flags, unsigned char code) {
   BoundKey low, high;
   if (!readBound(low, range.lowKey, range.lowKeyLength, code)) return 0;
   if (!readBound(high, range.highKey, range.highKeyLength, code)) return 0;
@@ -80,21 +80,12 @@ double estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned 
 
 // --- the bounds ---------------------------------------------------------------------------------------------------
 
-void setBound(unsigned char*& bound, unsigned char& boundLength, const KeyBytes& key) {
+void setStringBound(unsigned char*& bound, unsigned char& boundLength, const KeyBytes& key) {
   if (key.size > KtINDEX_MAX_KEYLEN) {
     KATO_assert("actualLen <= KtINDEX_MAX_KEYLEN", kSourceFile, kLengthLine);
     return;
   }
-  const unsigned long room = key.size + key.size % 2;
-  auto* copy = static_cast<unsigned char*>(std::malloc(room));
-  if (copy == nullptr) {
-    KtCallMemoryHandler(room);
-    return;
-  }
-  copy[room - 1] = 0;
-  std::memcpy(copy, key.bytes, key.size);
-  bound = copy;
-  boundLength = static_cast<unsigned char>(key.size);
+  setBound(bound, boundLength, key.bytes, key.size, key.size + key.size % 2);
 }
 
 void recordStringBounds(KtIdxBounds& result, const Comparison& comparison, unsigned short& flags, bool knowsNull,
@@ -103,11 +94,11 @@ void recordStringBounds(KtIdxBounds& result, const Comparison& comparison, unsig
   KeyBytes key;
   if (result.lowKey == nullptr && (flags & KtBOUND_LESS) == 0) {
     writeLowBound(key, comparison, flags, knowsNull, code);
-    setBound(result.lowKey, result.lowKeyLength, key);
+    setStringBound(result.lowKey, result.lowKeyLength, key);
   }
   if (result.highKey == nullptr && (flags & KtBOUND_GREATER) == 0) {
     writeHighBound(key, comparison, flags, code);
-    setBound(result.highKey, result.highKeyLength, key);
+    setStringBound(result.highKey, result.highKeyLength, key);
   }
 }
 
