@@ -211,13 +211,17 @@ TEST(TypeTable, twins_share_what_they_share) {
   EXPECT_NE(mgr.CmpFuncPtrGet(KT_ID_long), mgr.CmpFuncPtrGet(KT_ID_KtDWord));
 }
 
-// The manager always hands a format to the functions of a row; who calls them directly need not.
+// The manager always hands a format to the functions of a row; who calls them directly need not. Dates and times then
+// print as their classes do.
 TEST(TypeTable, operations_called_without_a_format_take_that_of_the_row_that_lends_them) {
   for (int id = 0; id < KtTYPE_COUNT; ++id) {
     const KtTypeDescriptor& row = *kt::currentTypeTable()[id];
     int lender = 0;
     while (kt::currentTypeTable()[lender]->PrintToKtString != row.PrintToKtString) ++lender;
-    const char* const format = kt::currentTypeTable()[lender]->Format;
+    const char* format = kt::currentTypeTable()[lender]->Format;
+    if (id == KT_ID_KtDate) format = "%Y-%m-%d";
+    if (id == KT_ID_KtTime) format = "%H:%M:%S";
+    if (id == KT_ID_KtDateTime) format = "%Y-%m-%dT%H:%M:%S";
     void* value = row.DefaultValue(1, 0);
     void* scanned[] = {row.DefaultValue(1, 0), row.DefaultValue(1, 0)};
     KtString printed, expected;
