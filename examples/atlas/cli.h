@@ -1,0 +1,31 @@
+// cli.h - the subcommands; each stands in a file of its own and is registered in main.cpp by one line.
+#ifndef EXAMPLES_ATLAS_CLI_H
+#define EXAMPLES_ATLAS_CLI_H
+
+#include "database.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+namespace atlas {
+
+// The options that stand before the command.
+struct Globals {
+  std::string file;
+  unsigned long long mapSize = 0;
+
+  OpenOptions open() const { return {.file = file, .mapSize = mapSize, .language = std::nullopt}; }
+};
+
+// Each adds its subcommand, whose work is done after all arguments are parsed.
+void addLoad(CLI::App& app, const Globals& globals);
+void addFill(CLI::App& app, const Globals& globals);
+void addShow(CLI::App& app, const Globals& globals);
+void addDump(CLI::App& app, const Globals& globals);
+void addCheck(CLI::App& app, const Globals& globals);
+void addStats(CLI::App& app, const Globals& globals);
+
+}  // namespace atlas
+
+#endif
