@@ -5,6 +5,7 @@
 #ifndef EXAMPLES_ATLAS_DATABASE_H
 #define EXAMPLES_ATLAS_DATABASE_H
 
+#include "block.h"
 #include "index.h"
 
 #include <memory>
@@ -34,10 +35,10 @@ private:
 
   const class Database* database_;
   const ClassSchema* class_;  // null: all
+  const ClassSchema* blockClass_ = nullptr;
   Cursor cursor_;
-  bool started_ = false;
-  Bytes block_;
-  unsigned long at_ = 0;  // of the next object in the block
+  Block block_;
+  unsigned at_ = 0;  // of the next object in the block
   std::optional<Record> record_;
 };
 
@@ -52,6 +53,7 @@ public:
   ~Database();
 
   const Schema& schema() const;
+  const std::string& file() const;
   unsigned char language() const;  // of texts
 
   // --- objects ----------------------------------------------------------------------------------------------------
@@ -71,6 +73,7 @@ public:
   // Adds an object; it gets its id, and is written and indexed together with others: at the latest by commit(), and
   // before anything is read through flush(). Throws Error for values that an index refuses.
   ObjId add(const Draft& draft);
+  ObjId add(const ClassSchema& cls, const std::vector<Bytes>& fields);  // of stored fields, each of one value
   void flush();
   void commit();
   // A small note that is kept with the data of the transaction; empty: none.

@@ -28,8 +28,11 @@ struct IndexRange {
 // The key of a stored value: at most KtINDEX_MAX_KEYLEN bytes, in code kStoredKey; a longer one is cut, so the objects
 // that a scan finds are to be compared again.
 Buffer indexKey(char type, Bytes stored);
+// The same into room for KtINDEX_MAX_KEYLEN bytes; the bytes taken.
+unsigned long indexKeyAt(unsigned char* room, char type, Bytes stored);
 
 class Index;
+class Database;
 
 // Walks the entries of an index between two keys, both included, in the order of the keys and, under one key, of the
 // object ids. Entries whose keys were cut cannot always be placed: those come last, whatever the bounds, and are for
@@ -44,6 +47,8 @@ public:
 private:
   friend class Index;
   IndexScan(const Index& index, const KtIdxBounds& bounds);
+  bool first(MDB_val& key, MDB_val& data);
+  bool toTail(MDB_val& key, MDB_val& data);
   bool isBeyond(Bytes key) const;
 
   const Index* index_;
@@ -52,6 +57,7 @@ private:
   Buffer high_;  // empty: none
   bool started_ = false;
   bool inTail_ = false;  // among the keys that were cut
+  bool ended_ = false;
   ObjId id_;
   Bytes key_;
 };
@@ -67,21 +73,25 @@ public:
   IndexRange range() const;
   // Bounds as EvalAndBound records them; a key that is null is no bound. They are copied.
   IndexScan scan(const KtIdxBounds& bounds = {}) const;
-  // The first object under the key of a stored value of the field's type that is equal to it; null id: none.
+  // The first object whose field is equal to a stored value of its type; null id: none.
   ObjId find(Bytes stored) const;
+  // Whether the index has an entry of this key and object.
+  bool has(Bytes key, ObjId id) const;
   // How keys of this index compare, -1, 0 or 1.
   int compareKeys(Bytes a, Bytes b) const;
 
 private:
   friend class IndexScan;
   friend class Database;
+  friend class Batch;
   Index() = default;
 
+  const Database* database_ = nullptr;
   const ClassSchema* class_ = nullptr;
   std::size_t field_ = 0;
   IndexSettings settings_;
-  Txn* txn_ = nullptr;
-  Tree tree_;
+  const Txn* txn_ = nullptr;
+  Tree tree_ = 0;
 };
 
 }  // namespace atlas

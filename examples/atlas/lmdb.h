@@ -25,7 +25,8 @@ public:
     unsigned long long mapSize = 0;  // bytes; 0: as large as needed to read
     bool readOnly = false;
   };
-  // Throws Error when the file is no LMDB file, or shorter than its pages reach.
+  // Throws Error when the file is no LMDB file, or shorter than its pages reach. A file that is missing or empty is made
+  // unless readOnly.
   explicit Env(const Options& options);
   MDB_env* get() const { return env_.get(); }
   const std::string& file() const { return file_; }
@@ -50,6 +51,9 @@ public:
   bool readOnly() const { return readOnly_; }
   void commit();  // and begins the next one
   void abort();   // nothing of the transaction stays; no further use
+  // A named tree; comparators are LMDB's own where null. Without `create` the tree must be there.
+  Tree open(const char* name, unsigned flags, MDB_cmp_func* keys, MDB_cmp_func* duplicates, bool create);
+  unsigned long entries(Tree tree) const;
 
 private:
   void begin();
@@ -68,6 +72,8 @@ public:
   bool put(Bytes key, Bytes data, unsigned flags);
   // Makes room for the data of a key and returns it.
   void* reserve(Bytes key, unsigned long size, unsigned flags);
+  // Adds `count` data of `size` bytes each under one key.
+  void putMany(Bytes key, const void* data, unsigned long size, unsigned long count, unsigned flags);
 
 private:
   struct Close {

@@ -24,8 +24,8 @@ public:
   Bytes fieldBytes(std::size_t field) const {
     return {bytes_.data + ends_[field], static_cast<unsigned long>(ends_[field + 1] - ends_[field])};
   }
-  // A field printed in UTF-8 under its format, or under another one.
-  std::string text(std::size_t field, const char* format = nullptr) const;
+  // A field in UTF-8, as its schema says.
+  std::string text(std::size_t field) const;
 
 private:
   const ClassSchema* class_;

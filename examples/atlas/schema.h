@@ -2,12 +2,13 @@
 //
 //   # a comment
 //   class NAME NUMBER
-//   field NAME TYPE [column NAME] [format "..."] [index] [references CLASS by FIELD]
+//   field NAME TYPE [column NAME] [format "..."] [converted] [index] [references CLASS by FIELD]
 //
 // TYPE is a name of the type table. column: that of the CSV file, without it the field's name. format: of the texts
-// that are scanned and printed, without it the type's own. index: the field has an index. references: the text is
-// looked up in the index of that field of that class, declared above, and the object found becomes the value, a KtRef.
-// Words that hold blanks stand in double quotes.
+// that are scanned and printed, without it the type's own. converted: texts are not scanned and printed but go through
+// the type's conversion from and to strings. index: the field has an index. references: the text is looked up in the
+// index of that field of that class, declared above, and the object found becomes the value, a KtRef. Words that hold
+// blanks stand in double quotes.
 #ifndef EXAMPLES_ATLAS_SCHEMA_H
 #define EXAMPLES_ATLAS_SCHEMA_H
 
@@ -38,8 +39,9 @@ struct Field {
   std::string name;
   std::string column;
   std::string typeName;
-  char type = 0;        // id in the type table
-  std::string format;   // empty: the type's own
+  char type = 0;       // id in the type table
+  std::string format;  // empty: the type's own
+  bool converted = false;
   bool indexed = false;
   std::optional<FieldPlace> references;  // the indexed field that the texts name
 

@@ -38,15 +38,16 @@ public:
   char type() const { return type_; }
   void* data() const { return data_; }
 
-  // Becomes what a UTF-8 text says under a format (null: the type's own); an empty text makes it null, or what the type
-  // takes for null. Throws Mistake with the reason, without a place, when the type cannot read the text: scanning
+  // Becomes what a UTF-8 text says in a field (its format or conversion count); an empty text makes it null, or what the
+  // type takes for null. Throws Mistake with the reason, without a place, when the type cannot read the text: scanning
   // itself is quiet about that.
-  void scan(std::string_view utf8, const char* format, unsigned char language);
+  void scan(std::string_view utf8, const Field& field, unsigned char language);
   // Becomes null, or what the type takes for null.
   void clear();
   bool isNull() const;
-  // Printed in UTF-8.
-  std::string text(const char* format) const;
+  // In UTF-8, as a field of its type prints.
+  std::string text(const Field& field) const;
+  std::string print(const char* format) const;  // under any format, null: the type's own
 
   unsigned long storedSize() const;          // bytes in code kStored
   unsigned long storeAt(void* where) const;  // writes storedSize() bytes; how many
@@ -67,8 +68,11 @@ struct Order {
 // -1, 0 or 1: the order of two stored values of a type.
 int compare(char type, Bytes a, Bytes b, Order order = {});
 
-// Whether a stored value has a place in the order of its type. What is equal to two values that differ has none (a
-// NaN); nor has, without 0x10, a pattern of fixed length (a date with a field of -1).
+// The bytes of the stored value that a run begins with; more than the run has where it is damaged.
+unsigned long storedLength(char type, Bytes run);
+
+// Whether a stored value has a place in the order of its type. What is equal to two values that differ has none: a NaN.
+// (A date with a field of -1 has one: wildcards are off in every order here, and stored values are what is compared.)
 bool hasPlace(char type, Bytes stored);
 
 // UTF-8 of a string of any code set, and the reverse: an 8-bit string where all characters are in code set 1, else

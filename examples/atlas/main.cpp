@@ -1,0 +1,78 @@
+// atlas - a small object database of the world: objects of typed fields in one LMDB file, indexed and compared through
+// the type manager alone.
+#include "cli.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+const char kAbout[] = "A small object database of the world, in one file.";
+const char kExits[] =
+    "Exit codes: 0 done, 1 check found damage, 2 a mistake in the arguments or the data, 3 no such atlas database (or "
+    "of\n"
+    "another format, schema or language), 4 the map or the disk is full, 5 the file is broken or cannot be used.";
+
+// Pages that the file has lost, and disks that fail, show when they are read through the map.
+void answerBusError(int) {
+  static const char kMessage[] = "atlas: the database cannot be read: its file is truncated, or the disk has failed\n";
+  const ssize_t written = write(STDERR_FILENO, kMessage, sizeof kMessage - 1);
+  _exit(written < 0 ? atlas::kExitBroken : static_cast<int>(atlas::kExitBroken));
+}
+
+void setSignals() {
+  std::signal(SIGBUS, answerBusError);
+  std::signal(SIGXFSZ, SIG_IGN);  // a limit of the file size is an error of writing
+}
+
+void addCommands(CLI::App& app, const atlas::Globals& globals) {
+  app.require_subcommand(1, 1);
+  app.footer(kExits);
+  atlas::addLoad(app, globals);
+  atlas::addFill(app, globals);
+  atlas::addShow(app, globals);
+  atlas::addDump(app, globals);
+  atlas::addStats(app, globals);
+  atlas::addCheck(app, globals);
+}
+
+int fail(int code, const char* message) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "atlas: %s\n", message);
+  return code;
+}
+
+int run(int argc, char** argv) {
+  CLI::App app(kAbout, "atlas");
+  atlas::Globals globals;
+  app.add_option("--db", globals.file, "the database file")
+      ->envname("ATLAS_DB")
+      ->default_val("world.atlas")
+      ->type_name("FILE");
+  app.add_option("--map-size", globals.mapSize, "room that the database may grow to, e.g. 8GB (default: 4GB)")
+      ->transform(CLI::AsSizeValue(false));
+  addCommands(app, globals);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // help
+    return fail(atlas::kExitMistake, error.what());
+  }
+  return std::fflush(stdout) == 0 ? atlas::kExitDone : fail(atlas::kExitBroken, "cannot write to standard output");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  setSignals();
+  try {
+    return run(argc, argv);
+  } catch (const atlas::Error& error) {
+    return fail(error.code(), error.what());
+  } catch (const std::exception& error) {
+    return fail(atlas::kExitBroken, error.what());
+  }
+}

@@ -1,0 +1,39 @@
+// meta.h - what a database says about itself: texts under names, in a tree of their own.
+#ifndef EXAMPLES_ATLAS_META_H
+#define EXAMPLES_ATLAS_META_H
+
+#include "batch.h"
+
+#include <optional>
+#include <string>
+
+namespace atlas {
+
+constexpr char kMetaTree[] = "meta";          // DISK
+constexpr char kFormatVersion[] = "atlas 1";  // DISK: changes when the layout of any stored byte does
+
+class Meta {
+public:
+  Meta(const Txn& txn, Tree tree) : txn_(&txn), tree_(tree) {}
+
+  std::optional<std::string> find(const std::string& name) const;
+  std::string get(const std::string& name) const;  // throws Error(kExitBroken) when there is none
+  void set(const std::string& name, const std::string& text);
+
+  Counters counters(const Schema& schema) const;
+  void setCounters(const Counters& counters, const Schema& schema);
+
+  // The settings of an index; nothing: it was never made.
+  std::optional<IndexSettings> settings(const std::string& index) const;
+  void setSettings(const std::string& index, const IndexSettings& settings);
+
+private:
+  unsigned long long number(const std::string& name) const;
+
+  const Txn* txn_;
+  Tree tree_;
+};
+
+}  // namespace atlas
+
+#endif
