@@ -13,9 +13,9 @@ constexpr unsigned long kMostEntryBytes = 256UL << 20;  // of one index, before 
 }  // namespace
 
 void EntryBatch::add(char type, Bytes stored, ObjId id) {
-  constexpr std::size_t kMostPerEntry = KtINDEX_MAX_KEYLEN + kStoredObjId;
+  constexpr std::size_t kMostPerEntry = kLongestKey + kStoredObjId;
   if (bytes_.size() < used_ + kMostPerEntry) bytes_.resize(std::max(2 * bytes_.size(), used_ + kMostPerEntry));
-  const unsigned long keySize = indexKeyAt(bytes_.data() + used_, type, stored);
+  const unsigned long keySize = storedKeyAt(bytes_.data() + used_, type, stored);
   storeObjId(bytes_.data() + used_ + keySize, id);
   entries_.push_back({used_, keySize});
   used_ += keySize + kStoredObjId;

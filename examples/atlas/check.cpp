@@ -60,7 +60,7 @@ private:
     for (std::size_t i = 0; i < record.cls().fields.size(); ++i) {
       const Field& field = record.cls().fields[i];
       const Index* index = database_.index(record.cls(), field);
-      if (index != nullptr && !index->has(indexKey(field.type, record.fieldBytes(i)), record.id())) {
+      if (index != nullptr && !index->has(storedKey(field.type, record.fieldBytes(i)), record.id())) {
         report(nameOf(record) + " is not in the index " + index->name());
       }
       if (field.references) checkReference(record, i);
@@ -101,7 +101,7 @@ private:
       return;
     }
     const std::size_t field = record->cls().placeOf(index.field());
-    const Buffer key = indexKey(index.field().type, record->fieldBytes(field));
+    const Buffer key = storedKey(index.field().type, record->fieldBytes(field));
     if (index.compareKeys(scan.key(), key) != 0) report(index.name() + " has another value than " + object);
   }
 

@@ -1,27 +1,16 @@
 #include "comparators.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace atlas {
 namespace {
 
-int compareLong(const MDB_val& a, const MDB_val& b) {
-  if (b.mv_size <= kLongestWholeKey) return 1;
-  if (a.mv_size <= kLongestWholeKey) return -1;
-  const int difference = std::memcmp(a.mv_data, b.mv_data, std::min(a.mv_size, b.mv_size));
-  if (difference != 0) return difference;
-  return (a.mv_size > b.mv_size) - (a.mv_size < b.mv_size);
-}
-
 template <int Id>
 int compareKeys(const MDB_val* a, const MDB_val* b) {
-  if (a->mv_size > kLongestWholeKey || b->mv_size > kLongestWholeKey) return compareLong(*a, *b);
   int status = 0;
-  const long result = manager().Cmp(static_cast<char>(Id), a->mv_size, a->mv_data, b->mv_size, b->mv_data,
-                                    kIndexOptions, 1, kStoredKey, status);
+  const long result = manager().Cmp(static_cast<char>(Id), a->mv_size, a->mv_data, b->mv_size, b->mv_data, kKeyOptions,
+                                    1, kStoredKey, status);
   return (result > 0) - (result < 0);  // a long may not fit an int
 }
 

@@ -8,12 +8,16 @@
 
 namespace atlas {
 
-// Keys above this length may have been cut, and what was cut cannot be ordered under every operator. They stand behind
-// all others, in the order of their bytes.
-constexpr unsigned long kLongestWholeKey = 250;  // DISK
+// Index keys of texts are cut, and what was cut off cannot tell by case or accents. So keys compare by their letters and
+// digits alone, and a cut key comes behind all that begin like it: an order that is total, and that the order of the
+// values never contradicts. (A cut by characters may leave fewer letters of a text that has blanks or signs; IndexScan
+// looks for such keys.)
+constexpr unsigned short kKeyOptions = KtCMP_NO_WILDCARDS | KtCMP_IGNORE_CASE | KtCMP_IGNORE_DIACRITICS |
+                                       KtCMP_DROP_SPACES | KtCMP_DROP_SYMBOLS;  // DISK: stored with the index
 
-// The operator of every index.
-constexpr unsigned short kIndexOptions = KtCMP_NO_WILDCARDS;  // DISK: stored with the index
+// DISK: bytes of the longest key in an index, five characters of a text. Four bytes a character are dear, and objects
+// that share a key share its room.
+constexpr unsigned long kLongestKey = 26;
 
 // LMDB calls a comparator without a context, so there is one for each type. The order is total: wildcards are off, and
 // values without a place (hasPlace) are never stored.

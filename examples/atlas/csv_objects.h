@@ -33,6 +33,8 @@ private:
 
   const Database* database_;
   std::string file_;
+  unsigned long line_ = 1;      // where the row begins
+  unsigned long nextLine_ = 1;  // and the next one; the header is read before the members below are made
   std::ifstream in_;
   examples::CsvReader reader_;
   std::vector<std::string> cells_;
@@ -41,8 +43,6 @@ private:
   std::vector<std::size_t> columns_;                            // of each field
   std::vector<std::unordered_map<std::string, Buffer>> known_;  // references by their texts, of each field
   unsigned long row_ = 0;
-  unsigned long line_ = 1;  // where the row begins
-  unsigned long nextLine_ = 1;
 };
 
 }  // namespace atlas

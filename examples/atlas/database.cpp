@@ -81,12 +81,10 @@ void Database::Parts::recognise(const OpenOptions& options) {
 
 IndexSettings Database::Parts::settingsOf(const std::string& index) {
   const std::optional<IndexSettings> found = meta->settings(index);
-  const IndexSettings wanted{language, kIndexOptions};
+  const IndexSettings wanted{language, KtCMP_NO_WILDCARDS, kKeyOptions, kLongestKey};
   if (!found && isNew) meta->setSettings(index, wanted);
   const IndexSettings settings = found.value_or(wanted);
-  if (settings.language != wanted.language || settings.options != wanted.options) {
-    refuse(env, "orders the index " + index + " by other rules");
-  }
+  if (!(settings == wanted)) refuse(env, "orders the index " + index + " by other rules");
   return settings;
 }
 

@@ -12,7 +12,11 @@ namespace atlas {
 // What an index was made with; stored beside it, and never changed.
 struct IndexSettings {
   unsigned char language = 0;                   // of the texts that are indexed and looked for
-  unsigned short options = KtCMP_NO_WILDCARDS;  // as of KtTypeMgr::Cmp
+  unsigned short options = KtCMP_NO_WILDCARDS;  // the order of the values, as of KtTypeMgr::Cmp
+  unsigned short keyOptions = 0;                // that of the keys: coarser where keys are cut
+  unsigned long longestKey = 0;                 // bytes
+
+  bool operator==(const IndexSettings&) const = default;
 };
 
 // The first and the last key of an index; both empty while the index is.
@@ -25,18 +29,20 @@ struct IndexRange {
   KtIdxBounds bounds() const;
 };
 
-// The key of a stored value: at most KtINDEX_MAX_KEYLEN bytes, in code kStoredKey; a longer one is cut, so the objects
-// that a scan finds are to be compared again.
+// The key of a stored value, for bounds and EvalAndBound: whole as far as KtINDEX_MAX_KEYLEN goes, in code kStoredKey.
 Buffer indexKey(char type, Bytes stored);
-// The same into room for KtINDEX_MAX_KEYLEN bytes; the bytes taken.
-unsigned long indexKeyAt(unsigned char* room, char type, Bytes stored);
+// The key as an index holds it: a text's is cut to kLongestKey bytes, so that objects with one key are in the order of
+// their ids, and what a scan finds is to be compared again.
+Buffer storedKey(char type, Bytes stored);
+// The same into room for kLongestKey bytes; the bytes taken.
+unsigned long storedKeyAt(unsigned char* room, char type, Bytes stored);
 
 class Index;
 class Database;
 
-// Walks the entries of an index between two keys, both included, in the order of the keys and, under one key, of the
-// object ids. Entries whose keys were cut cannot always be placed: those come last, whatever the bounds, and are for
-// the caller to judge by the object's own value, as is every bound that excludes its key.
+// Walks the entries of an index between two keys, in the order of the keys and, under one key, of the object ids. Every
+// object whose value lies between the bounds, both included, is found, and others may be: keys may be cut, so that values
+// are for the caller to compare again, and so is a bound that excludes its key.
 class IndexScan {
 public:
   // False at the end. The id, and its key, are valid until the next call.
@@ -48,7 +54,9 @@ private:
   friend class Index;
   IndexScan(const Index& index, const KtIdxBounds& bounds);
   bool first(MDB_val& key, MDB_val& data);
-  bool toTail(MDB_val& key, MDB_val& data);
+  bool firstBefore(MDB_val& key, MDB_val& data);
+  Buffer nextBeginning();
+  bool nextCut(MDB_val& key, MDB_val& data);
   bool isBeyond(Bytes key) const;
 
   const Index* index_;
@@ -56,8 +64,10 @@ private:
   Buffer low_;   // empty: none
   Buffer high_;  // empty: none
   bool started_ = false;
-  bool inTail_ = false;  // among the keys that were cut
   bool ended_ = false;
+  bool behind_ = false;  // past the upper bound, among keys that are beginnings of it
+  Buffer cut_;           // the one that was looked for last
+  unsigned long room_ = 0;
   ObjId id_;
   Bytes key_;
 };

@@ -114,7 +114,10 @@ void Txn::begin() {
 void Txn::commit() {
   MDB_txn* ended = txn_;
   txn_ = nullptr;
-  checkLmdb(mdb_txn_commit(ended), "commit");
+  const int result = mdb_txn_commit(ended);
+  // LMDB calls a write that was cut short so: nearly always the disk had no more room.
+  if (result == EIO) throw Error(kExitFull, "cannot commit: the disk is full, or fails");
+  checkLmdb(result, "commit");
   begin();
 }
 

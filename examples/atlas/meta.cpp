@@ -55,13 +55,20 @@ std::optional<IndexSettings> Meta::settings(const std::string& index) const {
   const std::optional<std::string> text = find("index " + index);
   if (!text) return std::nullopt;
   std::istringstream in(*text);
-  unsigned language = 0, options = 0;
-  if (!(in >> language >> options)) throw Error(kExitBroken, "the settings of the index " + index + " are damaged");
-  return IndexSettings{static_cast<unsigned char>(language), static_cast<unsigned short>(options)};
+  unsigned language = 0;
+  IndexSettings settings;
+  if (!(in >> language >> settings.options >> settings.keyOptions >> settings.longestKey)) {
+    throw Error(kExitBroken, "the settings of the index " + index + " are damaged");
+  }
+  settings.language = static_cast<unsigned char>(language);
+  return settings;
 }
 
 void Meta::setSettings(const std::string& index, const IndexSettings& settings) {
-  set("index " + index, std::to_string(settings.language) + " " + std::to_string(settings.options));
+  std::ostringstream out;
+  out << unsigned{settings.language} << ' ' << settings.options << ' ' << settings.keyOptions << ' '
+      << settings.longestKey;
+  set("index " + index, out.str());
 }
 
 }  // namespace atlas

@@ -64,7 +64,9 @@ bool sameNumber(const std::string& text, const Value& value) {
 
 bool saysTheSame(const std::string& text, const Value& value, const Field& field) {
   const std::string shown = value.text(field);
-  return sameText(text, shown) || trimmedFraction(text) == trimmedFraction(shown) || sameNumber(text, value);
+  if (sameText(text, shown) || trimmedFraction(text) == trimmedFraction(shown)) return true;
+  // Conversions narrow to signed numbers: the print knows the sign.
+  return (text[0] == '-') == (shown[0] == '-') && sameNumber(text, value);
 }
 
 // A year before 0 has a sign, which "%Y" does not take: such a date is converted from its day number.

@@ -1,0 +1,41 @@
+# Files that are no database, cut short or full: a message and an exit code, and what was committed stays.
+. "$(dirname "$0")/common.sh"
+
+printf 'not a database' >"$dir/text.atlas"
+cp "$dir/text.atlas" "$dir/text.copy"
+: >"$dir/empty.atlas"
+for command in check "load $data/cities.csv" "fill 5" "show 1"; do
+  # shellcheck disable=SC2086
+  expect 3 "is no atlas database" "$atlas" --db "$dir/text.atlas" $command
+done
+cmp -s "$dir/text.atlas" "$dir/text.copy" || fail "a foreign file was changed"
+[ -e "$dir/text.atlas-lock" ] && fail "a lock beside a foreign file"
+expect 3 "there is no database" "$atlas" --db "$dir/empty.atlas" check
+
+# A map too small for a file: what was committed before is there, and more room lets the load go on.
+"$atlas" load "$data/countries.csv" >/dev/null || fail "load"
+expect 4 "more room by --map-size" "$atlas" --map-size 2MB load --every 1000 "$data/cities.csv"
+expect 0 "sound:" "$atlas" check
+expect 0 "rows were there already, going on" "$atlas" load "$data/cities.csv"
+expect 0 "sound: 25,250 objects" "$atlas" check
+expect 4 "more room by --map-size" "$atlas" --map-size 1MB fill 100000 --every 0
+expect 0 "sound: 25,250 objects" "$atlas" check
+
+# The disk is full: as large a file as the shell allows.
+(ulimit -f 400 && expect 4 "the disk is full" "$atlas" --db "$dir/full.atlas" load "$data/countries.csv" "$data/cities.csv"
+  finish) || fail "a full disk"
+expect 0 "sound: 250 objects" "$atlas" --db "$dir/full.atlas" check
+
+# Cut anywhere: the size tells, before anything is read.
+size=$(wc -c <"$ATLAS_DB")
+for length in 1 4095 4096 8192 $((size / 2)) $((size - 4096)) $((size - 1)); do
+  head -c "$length" "$ATLAS_DB" >"$dir/cut.atlas"
+  for command in check "fill 5"; do
+    # shellcheck disable=SC2086
+    "$atlas" --db "$dir/cut.atlas" $command >"$dir/out" 2>&1
+    code=$?
+    { [ $code = 3 ] || [ $code = 5 ]; } || fail "cut to $length, $command: exit code $code: $(tail -n 1 "$dir/out")"
+    grep -q '^atlas: ' "$dir/out" || fail "cut to $length, $command: no message"
+  done
+done
+finish

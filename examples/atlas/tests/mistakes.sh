@@ -1,0 +1,47 @@
+# What cannot be read is refused with its place, and nothing changes.
+. "$(dirname "$0")/common.sh"
+
+expect 3 "there is no database" "$atlas" check
+expect 2 "cannot be read" "$atlas" load "$dir/none.csv"
+[ -e "$ATLAS_DB" ] && fail "a missing file left a database behind"
+"$atlas" load "$data/countries.csv" >/dev/null || fail "load"
+before=$("$atlas" dump | cksum)
+
+# try LINE-AND-REASON < a file of cities, in one transaction and in several
+try() {
+  cat >"$dir/bad.csv"
+  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" "$dir/bad.csv"
+  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 0 "$dir/bad.csv"
+  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 1 "$dir/bad.csv"
+}
+
+head='name,country,population,latitude,longitude'
+printf '%s\nA,CN,1,2,3\nB,CN,1x,2,3\n' "$head" | try '3: column population: KtDWord cannot read "1x"'
+printf '%s\nA,CN,-1,2,3\n' "$head" | try '2: column population: KtDWord cannot read "-1"'
+printf '%s\nA,CN,4294967296,2,3\n' "$head" | try '2: column population'
+printf '%s\nA,XX,1,2,3\n' "$head" | try '2: column country: no country has the cca2 "XX"'
+printf '%s\n"A\nB",CN,1,2,3\nC,CN,1,north,3\n' "$head" | try '4: column latitude: float cannot read "north"'
+printf '%s\nA,CN,1,2\n' "$head" | try '2: the row has 4 columns'
+printf '%s\n\377,CN,1,2,3\n' "$head" | try '2: column name: the text is not UTF-8'
+printf '%s\n"A,CN,1,2,3\n' "$head" | try '2: a quote is not closed'
+printf 'name,country,latitude,longitude\nA,CN,1,2\n' | try '1: there is no column "population"'
+printf 'cca3,date,what\nCHN,1949-13-01,x\n' | try '2: column date: KtDate cannot read "1949-13-01"' founding
+printf 'cca3,date,what\nCHN,yesterday,x\n' | try '2: column date' founding
+printf 'a,b\n1,2\n' >"$dir/bad.csv"
+expect 2 'bad.csv:1: no class has these columns' "$atlas" load "$dir/bad.csv"
+expect 2 'there is no class "planet"' "$atlas" load --class planet "$data/cities.csv"
+expect 2 'there is no class "planet"' "$atlas" dump --class planet
+expect 2 'there is no object 251' "$atlas" show 251
+expect 2 'is no object id' "$atlas" show 1x
+
+# NaN is equal to every number: no index can place it.
+printf 'class point 1\nfield x double index\n' >"$dir/nan.schema"
+printf 'x\n1\nnan\n' >"$dir/nan.csv"
+expect 2 'nan.csv:3: column x' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
+printf 'class point 1\nfield x real index\n' >"$dir/bad.schema"
+expect 2 'line 2: there is no type "real"' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
+expect 3 'has another schema' "$atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
+
+[ "$("$atlas" dump | cksum)" = "$before" ] || fail "a refused file changed the database"
+expect 0 "sound: 250 objects" "$atlas" check
+finish
