@@ -16,3 +16,7 @@ foreach(harness IN LISTS harnesses)
     set_tests_properties(fuzz_${name}.corpus_replay PROPERTIES TIMEOUT 600)
   endif()
 endforeach()
+
+# A harness of an example's source is linked with that source.
+target_sources(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas/predicate.cpp")
+target_include_directories(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas")

@@ -101,10 +101,10 @@ TEST(StringBounds, keys_follow_the_comparison) {
       {"", 1, 1, "00 04 00 FE 00 00", "00 04 01 01 00 FF"},  // with wildcards a null equals it
       {"", 1, 4, "00 04 01 01 00 FF", ""},
       {"aB*", 1, 1, "00 0C 01 01 01 40 0C 20 01 40 10 00 00 FF",
-       "00 10 01 01 01 40 0C 20 01 40 10 00 01 3E FF 00 FF FF"},
+       "00 18 01 01 01 3E FF 00 01 40 0C 1F 01 3E FF 00 01 40 10 1F 01 3E FF 00 FF FF"},
       {"aB?z*", 1, 1, "00 0C 01 01 01 40 0C 20 01 40 10 00 00 FF",
-       "00 10 01 01 01 40 0C 20 01 40 10 00 01 3E FF 00 FF FF"},
-      {"a \t*", 1, 1, "00 08 01 01 01 40 0C 20 00 FF", "00 0C 01 01 01 40 0C 20 01 3E FF 00 FF FF"},
+       "00 18 01 01 01 3E FF 00 01 40 0C 1F 01 3E FF 00 01 40 10 1F 01 3E FF 00 FF FF"},
+      {"a \t*", 1, 1, "00 08 01 01 01 40 0C 20 00 FF", "00 10 01 01 01 3E FF 00 01 40 0C 1F 01 3E FF 00 FF FF"},
       {"a\\*B", 1, 4, "00 10 01 01 01 40 0C 20 01 00 9F 00 01 40 10 00 00 FF", ""},  // "*" is symbol 79: 159
       // By order: the least and the greatest that letters without a primary difference can be.
       {"a*", 1, 5, "00 08 01 01 01 40 0C 60 00 FF", ""},

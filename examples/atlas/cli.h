@@ -25,6 +25,8 @@ void addShow(CLI::App& app, const Globals& globals);
 void addDump(CLI::App& app, const Globals& globals);
 void addCheck(CLI::App& app, const Globals& globals);
 void addStats(CLI::App& app, const Globals& globals);
+void addQuery(CLI::App& app, const Globals& globals);
+void addPlot(CLI::App& app, const Globals& globals);
 
 }  // namespace atlas
 

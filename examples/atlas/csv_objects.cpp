@@ -5,8 +5,6 @@
 namespace atlas {
 namespace {
 
-constexpr KtWord kThisDatabase = 1;  // DISK: in references
-
 // A cell may hold line breaks.
 unsigned long linesOf(const std::vector<std::string>& cells) {
   unsigned long lines = 1;

@@ -35,6 +35,8 @@ void addCommands(CLI::App& app, const atlas::Globals& globals) {
   atlas::addFill(app, globals);
   atlas::addShow(app, globals);
   atlas::addDump(app, globals);
+  atlas::addQuery(app, globals);
+  atlas::addPlot(app, globals);
   atlas::addStats(app, globals);
   atlas::addCheck(app, globals);
 }

@@ -11,6 +11,8 @@ namespace atlas {
 
 using ObjId = KtObjId;
 
+constexpr KtWord kThisDatabase = 1;  // DISK: in references
+
 // A view of one stored object; valid while its bytes are.
 class Record {
 public:

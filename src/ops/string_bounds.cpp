@@ -174,13 +174,6 @@ void writeGreatest(KeyBytes& to, const IndexKey& key, unsigned char code) {
   words.write(to, true, code);
 }
 
-void writeBehindPrefix(KeyBytes& to, const IndexKey& key, unsigned char code) {
-  BoundWords words(key);
-  forEachWord(key, [&](Weight word) { words.add(word); });
-  words.addHighestIgnorable();
-  words.write(to, true, code);
-}
-
 void copyKey(KeyBytes& to, IndexKey key, bool isCut, unsigned char code) {
   key.isCut = isCut;
   to.size = copyIndexKey(to.bytes, sizeof to.bytes, key, code);
@@ -231,7 +224,7 @@ void writeHighBound(KeyBytes& to, const Comparison& comparison, unsigned flags, 
   if (!comparison.isPattern && !isOpen(comparison, flags)) return copyKey(to, literal, literal.isCut, code);
   const IndexKey prefix = comparison.isPattern ? prefixOf(comparison) : literal;
   if (!hasLevels(prefix)) return copyKey(to, prefix, true, code);
-  isOpen(comparison, flags) ? writeGreatest(to, prefix, code) : writeBehindPrefix(to, prefix, code);
+  writeGreatest(to, prefix, code);
 }
 
 #define KT_INSTANTIATE(Kind) template bool readComparison<Kind>(Comparison&, const void*, unsigned char);

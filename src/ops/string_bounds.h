@@ -3,9 +3,10 @@
 // A scan from the lower to the upper key, both included, meets the key of every string that satisfies the comparison:
 //
 //   exact     a short text (or one looked for by "equal" that is not cut): its own key on both sides
-//   pattern   "equal" with wildcards, the literal text before the first of them being short: the key of that text, and
-//             the same cut, with the highest ignorable order behind it. Ignorable orders at its end are left out: others
-//             may follow, and only the last one counts
+//   pattern   "equal" with wildcards, the literal text before the first of them being short: below, the key of that text
+//             without the ignorable orders at its end, since others may follow and only the last one counts; above, the
+//             open bound. A tighter one would stop a scan too early: by its marks "Pást" comes after all of "Pas*" that
+//             is compared as far as the prefix goes, and yet its key stands before that of "Pasu"
 //   open      all else: the primary orders alone, with the least and the greatest that case, diacritics and ignorable
 //             orders can be. Where a key is cut, or a wildcard acts, these decide differently than in the whole texts
 //
