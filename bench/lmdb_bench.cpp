@@ -6,22 +6,14 @@
 #include <kttm.h>
 
 #if defined(KT_HAVE_LMDB) && defined(KT_HAVE_ICU)
-#include <lmdb.h>
-#include <unicode/ucol.h>
+#include "lmdb_tree.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
+#include <unicode/ucol.h>
 
 namespace kt::bench {
 namespace {
 
 constexpr unsigned char kLittleEndian = 0;
-constexpr std::size_t kMapSize = 64ul << 20;
-
-void require(int result) {
-  if (result != 0) throw std::runtime_error(mdb_strerror(result));
-}
 
 KtTypeMgr& manager() {
   static KtTypeMgr instance(12);
@@ -51,63 +43,6 @@ int compareByIcu(const MDB_val* a, const MDB_val* b) {
   return ucol_strcollUTF8(collator(), static_cast<const char*>(a->mv_data), static_cast<std::int32_t>(a->mv_size),
                           static_cast<const char*>(b->mv_data), static_cast<std::int32_t>(b->mv_size), &status);
 }
-
-// A tree in a file of its own that is gone with the object.
-class Tree {
-public:
-  Tree(MDB_cmp_func* compare, const std::vector<std::string>& keys) : folder_(makeFolder()), keys_(keys) {
-    require(mdb_env_create(&environment_));
-    require(mdb_env_set_mapsize(environment_, kMapSize));
-    require(mdb_env_open(environment_, folder_.c_str(), MDB_NOSYNC, 0600));
-    MDB_txn* transaction;
-    require(mdb_txn_begin(environment_, nullptr, 0, &transaction));
-    require(mdb_dbi_open(transaction, nullptr, 0, &tree_));
-    require(mdb_set_compare(transaction, tree_, compare));
-    for (const std::string& key : keys_) put(transaction, key);
-    require(mdb_txn_commit(transaction));
-    require(mdb_txn_begin(environment_, nullptr, MDB_RDONLY, &reader_));
-    require(mdb_set_compare(reader_, tree_, compare));
-  }
-  ~Tree() {
-    mdb_txn_abort(reader_);
-    mdb_env_close(environment_);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  Tree(const Tree&) = delete;
-  Tree& operator=(const Tree&) = delete;
-
-  // Looks every key up; the number found.
-  unsigned long findAll() const {
-    unsigned long found = 0;
-    for (const std::string& key : keys_) {
-      MDB_val name = valueOf(key);
-      MDB_val data;
-      found += mdb_get(reader_, tree_, &name, &data) == 0 ? 1 : 0;
-    }
-    return found;
-  }
-
-private:
-  static std::string makeFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kttm_bench_XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    return pattern;
-  }
-  static MDB_val valueOf(const std::string& bytes) { return {bytes.size(), const_cast<char*>(bytes.data())}; }
-  void put(MDB_txn* transaction, const std::string& key) {
-    MDB_val name = valueOf(key);
-    MDB_val data = valueOf(key);
-    const int result = mdb_put(transaction, tree_, &name, &data, MDB_NOOVERWRITE);
-    if (result != MDB_KEYEXIST) require(result);
-  }
-
-  std::string folder_;
-  std::vector<std::string> keys_;
-  MDB_env* environment_ = nullptr;
-  MDB_dbi tree_ = 0;
-  MDB_txn* reader_ = nullptr;
-};
 
 struct TreeData {
   explicit TreeData(const Names& names) : records(compareRecords, recordsOf(names)), texts(compareByIcu, names.utf8) {}
