@@ -60,12 +60,19 @@ long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
   return 0;
 }
 
+// Whether a run of that length (0: exactly what is asked for) holds a value of the size in full.
+constexpr bool holdsOne(unsigned long length, unsigned long size) { return length - 1 >= size - 1; }
+
 // Everything but one value in memory layout. Apart, so that the common case needs no stack frame.
 template <class V>
 [[gnu::noinline]] long compareMany(unsigned char code, unsigned long lengthA, const unsigned char* a,
                                    unsigned long lengthB, const unsigned char* b, unsigned long count, int& status) {
   if (count == 0) return 0;
-  const RunPair runs{a, b, lengthA, lengthB, count, V::elementSize(code)};
+  const unsigned long size = V::elementSize(code);
+  if (count == 1 && !V::direct(code) && holdsOne(lengthA, size) && holdsOne(lengthB, size)) {
+    return V::compareDisk(code, a, b);
+  }
+  const RunPair runs{a, b, lengthA, lengthB, count, size};
   if (V::direct(code)) {
     return compareRuns<V::kEqualBytes>(
         runs, status, [](const unsigned char* x, const unsigned char* y) { return V::compareDirect(x, y); });
@@ -83,7 +90,10 @@ inline long compareOperation(unsigned char format, unsigned long lengthA, const 
   const unsigned char code = lowCode(format);
   status = 0;
   // What an index asks for millions of times: one value, in memory layout.
-  if (count == 1 && (lengthA | lengthB) == 0 && V::direct(code)) return V::compareDirect(bytesA, bytesB);
+  if (count == 1 && V::direct(code)) {
+    const unsigned long size = V::elementSize(code);
+    if (holdsOne(lengthA, size) && holdsOne(lengthB, size)) return V::compareDirect(bytesA, bytesB);
+  }
   return compareMany<V>(code, lengthA, bytesA, lengthB, bytesB, count, status);
 }
 
