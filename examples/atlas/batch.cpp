@@ -68,7 +68,7 @@ void EntryBatch::write(const Txn& txn, Tree tree, MDB_cmp_func* order) {
 }
 
 unsigned char* Batch::prepare(const ClassSchema& cls, unsigned long size, Counters& counters) {
-  if (block_.cls() != &cls || !block_.fits(size)) writeBlock(counters);
+  if (block_.cls() != &cls || !block_.fits(size)) endBlock(counters);
   if (block_.isEmpty()) block_.begin(cls, counters.nextObject);
   return block_.room(size);
 }
@@ -90,11 +90,11 @@ ObjId Batch::accept(const ClassSchema& cls, unsigned long size, Counters& counte
   block_.accept(size);
   ++counters.nextObject;
   ++counters.objects[cls.place];
-  if (isFull) write(counters);
+  if (isFull) writeEntries();
   return id;
 }
 
-void Batch::writeBlock(Counters& counters) {
+void Batch::endBlock(Counters& counters) {
   if (block_.isEmpty()) return;
   unsigned char key[sizeof(BlockId)];
   BlockId number = static_cast<BlockId>(counters.nextBlock);
@@ -106,7 +106,11 @@ void Batch::writeBlock(Counters& counters) {
 }
 
 void Batch::write(Counters& counters) {
-  writeBlock(counters);
+  endBlock(counters);
+  writeEntries();
+}
+
+void Batch::writeEntries() {
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     const Index& index = *(*indexes_)[i];
     if (!entries_[i].isEmpty()) entries_[i].write(*txn_, index.tree_, comparatorOf(index.field().type));

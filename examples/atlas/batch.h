@@ -65,11 +65,13 @@ public:
   }
 
   void write(Counters& counters);
+  // What is added next begins a new block.
+  void endBlock(Counters& counters);
 
 private:
+  void writeEntries();
   unsigned char* prepare(const ClassSchema& cls, unsigned long size, Counters& counters);
   ObjId accept(const ClassSchema& cls, unsigned long size, Counters& counters);
-  void writeBlock(Counters& counters);
   Bytes stored(std::size_t field) const {
     return {ends_[field], static_cast<unsigned long>(ends_[field + 1] - ends_[field])};
   }

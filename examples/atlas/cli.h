@@ -27,6 +27,8 @@ void addCheck(CLI::App& app, const Globals& globals);
 void addStats(CLI::App& app, const Globals& globals);
 void addQuery(CLI::App& app, const Globals& globals);
 void addPlot(CLI::App& app, const Globals& globals);
+void addExport(CLI::App& app, const Globals& globals);
+void addImport(CLI::App& app, const Globals& globals);
 
 }  // namespace atlas
 

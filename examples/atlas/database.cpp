@@ -199,6 +199,17 @@ ObjId Database::add(const ClassSchema& cls, const std::vector<Bytes>& fields) {
   return parts_->batch->add(cls, size, store, parts_->counters);
 }
 
+// A block ends where it did before: ids name their blocks.
+void Database::restore(ObjId id, const Draft& draft) {
+  Counters& counters = parts_->counters;
+  if (id.block != counters.nextBlock) parts_->batch->endBlock(counters);
+  const bool follows = numberOf(id) == counters.nextObject && id.block == counters.nextBlock;
+  if (!follows || add(draft).block != id.block) {
+    throw Mistake("the object " + std::to_string(numberOf(id)) +
+                  " cannot have its id again: it does not follow the one before");
+  }
+}
+
 void Database::flush() {
   parts_->batch->write(parts_->counters);
   parts_->meta->setCounters(parts_->counters, schema());

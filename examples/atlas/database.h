@@ -74,6 +74,9 @@ public:
   // before anything is read through flush(). Throws Error for values that an index refuses.
   ObjId add(const Draft& draft);
   ObjId add(const ClassSchema& cls, const std::vector<Bytes>& fields);  // of stored fields, each of one value
+  // As add, but for the id that the object had in another database of the schema. Objects come as they were added there,
+  // the first of all included; throws Mistake otherwise.
+  void restore(ObjId id, const Draft& draft);
   void flush();
   void commit();
   // A small note that is kept with the data of the transaction; empty: none.

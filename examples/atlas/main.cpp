@@ -39,6 +39,8 @@ void addCommands(CLI::App& app, const atlas::Globals& globals) {
   atlas::addPlot(app, globals);
   atlas::addStats(app, globals);
   atlas::addCheck(app, globals);
+  atlas::addExport(app, globals);
+  atlas::addImport(app, globals);
 }
 
 int fail(int code, const char* message) {

@@ -49,6 +49,7 @@ public:
   unsigned long storedSize() const;
   unsigned long storeAt(void* where) const;  // writes storedSize() bytes; how many
   void load(const Record& record);
+  void swap(Draft& other) { values_.swap(other.values_); }  // with one of a class of the same fields
 
 private:
   const ClassSchema* class_;
