@@ -160,9 +160,8 @@ void PortableReader::readFields(Draft& draft) {
   unsigned long from = 0;
   for (std::size_t i = 0; i < draft.size() && from < object_.size(); ++i) {
     const unsigned long left = object_.size() - from;
-    MemFile rest(object_.data() + from, left);
-    const unsigned long size = manager().DiskLenGetFromMemFile(draft[i].type(), &rest, kPortable, 1);
-    if (size == 0 || size > left) fail("a field ends behind its object");
+    const unsigned long size = storedLength(draft[i].type(), {object_.data() + from, left}, kPortable);
+    if (size > left) fail("a field ends behind its object");
     manager().Load(draft[i].type(), draft[i].data(), object_.data() + from, kPortable, 1);
     from += size;
   }

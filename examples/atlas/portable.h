@@ -1,6 +1,6 @@
 // portable.h - all objects of a database in one stream of a fixed byte order, readable on every host and without LMDB.
 //
-// Numbers are big-endian, fields stored in code kPortable. README.md shows the stream byte by byte.
+// Numbers are big-endian, fields stored in code kPortable. portable.md shows the stream byte by byte.
 #ifndef EXAMPLES_ATLAS_PORTABLE_H
 #define EXAMPLES_ATLAS_PORTABLE_H
 

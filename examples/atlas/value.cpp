@@ -95,10 +95,13 @@ int compare(char type, Bytes a, Bytes b, Order order) {
   return (result > 0) - (result < 0);
 }
 
-unsigned long storedLength(char type, Bytes run) {
+// A value that ends behind its run may be sized as what is there of it, which is not what would be loaded.
+unsigned long storedLength(char type, Bytes run, unsigned char form) {
+  const unsigned long damaged = run.size + 1;
   MemFile file(run.data, run.size);  // never read beyond
-  const unsigned long size = manager().DiskLenGetFromMemFile(type, &file, kStored, 1);
-  return size != 0 ? size : run.size + 1;
+  const unsigned long size = manager().DiskLenGetFromMemFile(type, &file, form, 1);
+  if (size == 0 || size > run.size) return damaged;
+  return manager().DiskLenGet(type, run.address(), form, 1, form) == size ? size : damaged;
 }
 
 bool hasPlace(char type, Bytes stored) {

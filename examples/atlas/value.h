@@ -69,7 +69,7 @@ struct Order {
 int compare(char type, Bytes a, Bytes b, Order order = {});
 
 // The bytes of the stored value that a run begins with; more than the run has where it is damaged.
-unsigned long storedLength(char type, Bytes run);
+unsigned long storedLength(char type, Bytes run, unsigned char form = kStored);
 
 // Whether a stored value has a place in the order of its type. What is equal to two values that differ has none: a NaN.
 // (A date with a field of -1 has one: wildcards are off in every order here, and stored values are what is compared.)
