@@ -48,7 +48,10 @@ struct Database::Parts {
   std::vector<std::unique_ptr<Index>> indexes;
   Counters counters;
   std::optional<Batch> batch;
+  Block recent;  // the block that was read last, where nothing can change it
+  unsigned long recentId = 0;
 
+  bool findBlock(unsigned long id);
   void describe(const Schema& wanted, const OpenOptions& options);
   void recognise(const OpenOptions& options);
   void openTrees(const Database& database);
@@ -146,11 +149,23 @@ const std::vector<std::unique_ptr<Index>>& Database::indexes() const { return pa
 
 unsigned long long Database::count(const ClassSchema& cls) const { return parts_->counters.objects[cls.place]; }
 
+bool Database::Parts::findBlock(unsigned long id) {
+  if (txn.readOnly() && id == recentId && id != 0) return true;
+  unsigned char key[sizeof(BlockId)];
+  auto number = static_cast<BlockId>(id);
+  manager().Store(KT_ID_BlockId, key, &number, kStored, 1);
+  MDB_val keyVal = valOf(Bytes(key, sizeof key)), data;
+  if (mdb_get(txn.get(), objects, &keyVal, &data) != MDB_SUCCESS) return false;
+  recentId = 0;
+  recent = Block(id, bytesOf(data));
+  recentId = id;
+  return true;
+}
+
+// Objects that are near each other in an index are often near in the file.
 std::optional<Record> Database::find(ObjId id) const {
-  const Buffer key = blockKey(id.block);
-  MDB_val keyVal = valOf(key), data;
-  if (mdb_get(parts_->txn.get(), parts_->objects, &keyVal, &data) != MDB_SUCCESS) return std::nullopt;
-  const Block block(id.block, bytesOf(data));
+  if (!parts_->findBlock(id.block)) return std::nullopt;
+  const Block& block = parts_->recent;
   const ClassSchema* cls = schema().byNumber(block.classNumber());
   if (!block.holds(numberOf(id)) || cls == nullptr) return std::nullopt;
   return Record(*cls, id, block.object(static_cast<unsigned>(numberOf(id) - block.first())));

@@ -5,15 +5,18 @@
 namespace atlas {
 
 Record::Record(const ClassSchema& cls, ObjId id, Bytes bytes) : class_(&cls), id_(id), bytes_(bytes) {
-  ends_.reserve(cls.fields.size() + 1);
+  const std::size_t fields = cls.fields.size();
+  if (fields >= few_.size()) many_.resize(fields + 1);
+  unsigned* const ends = many_.empty() ? few_.data() : many_.data();
   unsigned long at = 0;
-  ends_.push_back(0);
-  for (const Field& field : cls.fields) {
-    if (at >= bytes.size) break;
-    at += storedLength(field.type, {bytes.data + at, bytes.size - at});
-    ends_.push_back(static_cast<unsigned>(at));
+  std::size_t i = 0;
+  ends[0] = 0;
+  for (; i < fields && at < bytes.size; ++i) {
+    const Field& field = cls.fields[i];
+    at += field.fixedSize != 0 ? field.fixedSize : storedLength(field.type, {bytes.data + at, bytes.size - at});
+    ends[i + 1] = static_cast<unsigned>(at);
   }
-  if (at != bytes.size || ends_.size() != cls.fields.size() + 1) {
+  if (at != bytes.size || i != fields) {
     throw Error(kExitBroken, "an object of the class " + cls.name + " is damaged: its fields do not fill it");
   }
 }

@@ -4,6 +4,7 @@
 
 #include "value.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ public:
   Bytes bytes() const { return bytes_; }
   // The stored form of a field, in code kStored.
   Bytes fieldBytes(std::size_t field) const {
-    return {bytes_.data + ends_[field], static_cast<unsigned long>(ends_[field + 1] - ends_[field])};
+    return {bytes_.data + ends()[field], static_cast<unsigned long>(ends()[field + 1] - ends()[field])};
   }
   // A field in UTF-8, as its schema says.
   std::string text(std::size_t field) const;
@@ -33,7 +34,11 @@ private:
   const ClassSchema* class_;
   ObjId id_;
   Bytes bytes_;
-  std::vector<unsigned> ends_;  // where field i begins, and where the last one ends
+  const unsigned* ends() const { return many_.empty() ? few_.data() : many_.data(); }
+
+  // Where field i begins, and where the last one ends. Records are made by the million: few fields need no allocation.
+  std::array<unsigned, 17> few_;
+  std::vector<unsigned> many_;
 };
 
 // The values of one object in memory, one for each field: filled, stored, and filled again.

@@ -1,6 +1,7 @@
 #include "schema.h"
 
 #include "error.h"
+#include "value.h"
 
 #include <algorithm>
 #include <charconv>
@@ -47,6 +48,8 @@ public:
     if (manager().Name2KtTypeId(field.typeName.c_str(), field.type) != 0) {
       throw Mistake("there is no type \"" + field.typeName + "\"");
     }
+    const Value any(field.type);
+    if (manager().IsFixed(field.type) != 0) field.fixedSize = any.storedSize();
     for (at_ = 3; at_ < words_.size();) readOption(field);
     return field;
   }

@@ -39,8 +39,9 @@ struct Field {
   std::string name;
   std::string column;
   std::string typeName;
-  char type = 0;       // id in the type table
-  std::string format;  // empty: the type's own
+  char type = 0;                // id in the type table
+  unsigned long fixedSize = 0;  // bytes of every stored value of the type; 0: they vary
+  std::string format;           // empty: the type's own
   bool converted = false;
   bool indexed = false;
   std::optional<FieldPlace> references;  // the indexed field that the texts name
