@@ -85,7 +85,7 @@ void Atlas::open(const std::string& file) {
 
 IndexScan Atlas::between(std::size_t field, const Value& low, const Value& high) const {
   const Field& schema = class_->fields[field];
-  const IndexRange range{indexKey(schema.type, low.stored()), indexKey(schema.type, high.stored())};
+  const IndexRange range{boundKey(schema.type, low.stored()), boundKey(schema.type, high.stored())};
   return database_->index(*class_, schema)->scan(range.bounds());
 }
 
