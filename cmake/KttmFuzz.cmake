@@ -20,3 +20,9 @@ endforeach()
 # A harness of an example's source is linked with that source.
 target_sources(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas/predicate.cpp")
 target_include_directories(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas")
+# Writes the first inputs of the harnesses over all rows: build it, then run `fuzz_make_seeds fuzz/corpus`.
+add_executable(fuzz_make_seeds EXCLUDE_FROM_ALL "${PROJECT_SOURCE_DIR}/fuzz/seeds/make_seeds.cpp"
+                                                "${PROJECT_SOURCE_DIR}/tests/laws/samples.cpp")
+kttm_use_flags(fuzz_make_seeds)
+kttm_link_inside(fuzz_make_seeds)
+target_include_directories(fuzz_make_seeds PRIVATE "${PROJECT_SOURCE_DIR}/tests")

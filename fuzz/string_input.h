@@ -7,6 +7,7 @@
 
 #include <ktbs.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -20,7 +21,7 @@ using Bytes = std::vector<std::uint8_t>;
 // A block of exactly the bytes: what is read behind them is found.
 struct Block {
   explicit Block(const Bytes& bytes) : size(bytes.size()), data(new std::uint8_t[bytes.size()]) {
-    for (std::size_t i = 0; i < size; ++i) data[i] = bytes[i];
+    std::copy(bytes.begin(), bytes.end(), data.get());
   }
   std::uint8_t* get() const { return data.get(); }
 
