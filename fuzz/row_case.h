@@ -106,6 +106,20 @@ inline Run blobRun(const RowCase& c, const Bytes& bytes, unsigned char form) {
   return {Block(prefix(run, said == 0xFFFFFFFF ? 4 : 4 + std::size_t{said})), c.count};
 }
 
+// Whether records are compared and hashed as what they load as: older texts count as code set 0 until they are loaded (but
+// under the legacy table), and code set 255 has 8 bits for comparing and 16 for loading.
+inline bool isReadAsLoaded(const RowCase& c, const Bytes& bytes, unsigned char form) {
+  const Run run = stringRun(c, bytes, form);
+  const std::uint8_t* at = run.bytes.get();
+  if (run.count != 0 && kt::recordAt(at, form).isOlder()) return c.isLegacyString();
+  for (unsigned long i = 0; i < run.count; ++i) {
+    const kt::Record record = kt::recordAt(at, form);
+    if (record.codeSet() == 255) return false;
+    at += record.size();
+  }
+  return true;
+}
+
 // A run as Load takes it.
 inline Run storedRun(const RowCase& c, const Bytes& bytes, unsigned char form) {
   if (c.isFixed()) return fixedRun(c, bytes, c.storedLen(form));
