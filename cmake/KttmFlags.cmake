@@ -19,6 +19,10 @@ function(kttm_use_flags target)
   # Contracted multiply-adds would give other doubles on hosts (or in clones) that have the instruction.
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Wshadow -ffp-contract=off
                                            $<$<BOOL:${KTTM_WERROR}>:-Werror>)
+  if(KTTM_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
   if(KTTM_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${KTTM_SANITIZE} -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)

@@ -95,6 +95,14 @@ if(KTTM_NATIVE64)
                    $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)
 endif()
 
+# What loading costs is measured where nothing but the libraries counts.
+if(KTTM_NATIVE64 AND NOT KTTM_SANITIZE AND NOT KTTM_COVERAGE AND CMAKE_SYSTEM_NAME STREQUAL Linux)
+  add_executable(startup_cost "${PROJECT_SOURCE_DIR}/tests/startup/startup_cost.cpp")
+  kttm_use_flags(startup_cost)
+  target_link_libraries(startup_cost PRIVATE ${CMAKE_DL_LIBS})
+  add_test(NAME libraries.start_small COMMAND startup_cost $<TARGET_FILE:kttm>)
+endif()
+
 find_program(KTTM_BASH bash)
 
 # Sanitizers add exports of their own.
