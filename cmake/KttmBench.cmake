@@ -1,6 +1,12 @@
 # kttm_bench calls the shared libraries as a user does. Each peer that the machine has gives a definition KT_HAVE_<PEER>;
 # rows against a missing peer are left out.
 find_package(benchmark REQUIRED)
+
+# How costs grow with the run; needs no peers.
+add_executable(kttm_scaling "${PROJECT_SOURCE_DIR}/bench/scaling/scaling.cpp")
+kttm_use_flags(kttm_scaling)
+target_link_libraries(kttm_scaling PRIVATE kttm::kttm)
+
 file(GLOB bench_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
 if(bench_sources)
   add_executable(kttm_bench ${bench_sources})
