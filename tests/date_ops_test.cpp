@@ -146,6 +146,19 @@ TEST(DateOps, runs_of_any_length_come_back_from_every_form) {
   }
 }
 
+TEST(DateOps, dates_convert_in_place_too) {
+  for (const char id : {KT_ID_KtDate, KT_ID_d_Date}) {
+    const Bytes values = randomRun(id, 300, false);
+    Bytes apart(values.size());
+    mgr.Store(id, apart.data(), const_cast<unsigned char*>(values.data()), 2, 300);
+    Bytes inPlace = values;
+    mgr.Store(id, inPlace.data(), inPlace.data(), 2, 300);
+    EXPECT_EQ(inPlace, apart);
+    mgr.Load(id, inPlace.data(), inPlace.data(), 2, 300);
+    EXPECT_EQ(inPlace, values);
+  }
+}
+
 TEST(DateOps, translate_converts_copies_or_pads) {
   KtDateTime values[2] = {at(2005, 6, 28, 1, 2, 3), at(1, 1, 1, 4, 5, 6)};
   KtDateTime back[2] = {KtDateTime::Null(), KtDateTime::Null()};

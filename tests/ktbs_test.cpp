@@ -94,6 +94,20 @@ TEST(TypedStore, every_code_gives_its_byte_order_and_back) {
   }
 }
 
+TEST(TypedStore, long_runs_convert_whole_wherever_they_lie) {
+  for (const Kind& kind : kKinds) {
+    const unsigned long count = 70000 / kind.width;
+    const Bytes memory = patternOf(count * kind.width);
+    const Bytes disk = reversedByValue(memory, kind.width);
+    for (const unsigned long offset : {0ul, 1ul, 8ul, 31ul}) {
+      Bytes room(disk.size() + offset + 1, 0xEE);
+      kind.store(room.data() + offset, memory.data(), kLittleHost ? 2 : 0, count);
+      EXPECT_EQ(Bytes(room.begin() + static_cast<long>(offset), room.end() - 1), disk) << kind.name << ' ' << offset;
+      EXPECT_EQ(room.back(), 0xEE);
+    }
+  }
+}
+
 TEST(TypedStore, literal_bytes_of_one_value) {
   const std::int32_t value = 0x01020304;
   const double half = 0.5;

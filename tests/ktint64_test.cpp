@@ -225,6 +225,13 @@ std::string printed(int64_t value, const char* format, const char* before = "") 
   return out.StrGet();
 }
 
+TEST(KtInt64, appends_to_texts_of_any_length) {
+  for (unsigned long length = 0; length < 200; ++length) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(printed(-1234567890123, "%d", text.c_str()), text + "-1234567890123");
+  }
+}
+
 struct PrintCase {
   int64_t value;
   const char* format;

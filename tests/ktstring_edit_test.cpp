@@ -264,6 +264,7 @@ TEST(StringEdit, left_right_fill_expand_replace_insert) {
   EXPECT_STREQ(s.Insert("-", 6).StrGet(), "abcdXY-");
   EXPECT_STREQ(s.Expand(9, '.').StrGet(), "abcdXY-..");
   EXPECT_STREQ(s.Expand(3, '.').StrGet(), "abcdXY-..");
+  EXPECT_STREQ(s.Expand(10, static_cast<unsigned short>('!')).StrGet(), "abcdXY-..!");
   EXPECT_STREQ(s.Fill(3, 'x').StrGet(), "xxx");
   EXPECT_EQ(s.Fill(0, 'x').IsEmpty(), 1);
   s.Fill(2, static_cast<unsigned short>(0x20AC));  // the euro sign, which Latin 1 lacks
@@ -290,16 +291,18 @@ TEST(StringEdit, transform_may_drop_and_double_characters) {
   struct Operation : KtCharOperation {
     int Apply(const KtChar& in, KtChar out[kMaxCharacters]) override {
       out[0] = out[1] = in;
-      return in == 'x' ? 0 : in == 'd' ? 7 : 1;
+      return in == 'x' ? 0 : in == 'n' ? -1 : in == 'd' ? 7 : 1;
     }
   } operation;
   for (const unsigned char codeSet : {kNarrow, kWide}) {
-    KtString s = made(u"axdbdx", codeSet);
+    KtString s = made(u"axdnbdx", codeSet);
     EXPECT_EQ(unitsOf(s.Transform(operation)), u"addbdd");
     EXPECT_EQ(s.bufferSize, 7 * s.CharSize());
     EXPECT_EQ(unitsOf(made(u"Stra\u00DFe \u00C4\u00E9", codeSet).ToUpper()), u"STRA\u00DFE \u00C4\u00C9");
     EXPECT_EQ(unitsOf(made(u"STRA\u00DFE \u00C4\u00E9", codeSet).ToLower()), u"stra\u00DFe \u00E4\u00E9");
   }
+  KtLowerCaseOperation lower;
+  EXPECT_STREQ(KtString("ABc").Transform(lower).StrGet(), "abc");
   KtString zeroInside("ab\0cd", static_cast<unsigned short>(5));
   EXPECT_STREQ(zeroInside.ToUpper().StrGet(), "AB");
   EXPECT_EQ(zeroInside.bufferSize, 3);
@@ -309,6 +312,7 @@ TEST(StringEdit, replace_all_goes_on_behind_what_it_put_in) {
   EXPECT_STREQ(KtString("aaaa").ReplaceAll("a", "aa").StrGet(), "aaaaaaaa");
   EXPECT_STREQ(KtString("abcabc").ReplaceAll("bc", "", 2).StrGet(), "abca");
   EXPECT_STREQ(KtString("a,b,c").ReplaceAll(',', ';').StrGet(), "a;b;c");
+  EXPECT_EQ(unitsOf(made(u"a,b,c", kWide).ReplaceAll(static_cast<unsigned short>(','), 0xE9)), u"a\u00E9b\u00E9c");
   EXPECT_STREQ(KtString("abc").ReplaceAll("", "x").StrGet(), "abc");
   EXPECT_STREQ(KtString("abc").ReplaceAll("abc", "").StrGet(), "");
 }
@@ -324,6 +328,9 @@ TEST(StringEdit, appends_numbers_and_characters_as_their_constructors_make_them)
   KtString wide(kWide, 1);
   wide << static_cast<unsigned short>(65) << 42 << "x" << static_cast<char>('\xE9');
   EXPECT_EQ(unitsOf(wide), u"A42x\u00E9");
+  const unsigned short units[] = {'y', 0xE9, 0};
+  wide << units << KtString("z");
+  EXPECT_EQ(unitsOf(wide += units), u"A42x\u00E9y\u00E9zy\u00E9");
 }
 
 TEST(StringEdit, find_honours_position_and_wildcards) {
@@ -340,6 +347,8 @@ TEST(StringEdit, find_honours_position_and_wildcards) {
   for (const auto& c : cases) {
     EXPECT_EQ(KtString(c.text).Find(KtString(c.pattern), c.pos, c.cmpOp), c.found) << c.text << ' ' << c.pattern;
   }
+  EXPECT_EQ(KtString("abcb").Find('b', 2, 0x10), 3);
+  EXPECT_EQ(made(u"a\u00E9b", kWide).Find(static_cast<unsigned short>(0xE9), 0, 0x10), 1);
   KtString text;
   text.Fill(40000, 'x');
   KtString longPattern(text);

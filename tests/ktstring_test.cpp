@@ -113,6 +113,8 @@ TEST(KtString, explicit_counts_keep_zeros_that_end_the_text) {
   EXPECT_STREQ((copy += "x").StrGet(), "abx");
   EXPECT_EQ(copy.bufferSize, 4);
   EXPECT_STREQ(KtString("abc", static_cast<unsigned short>(65535)).StrGet(), "abc");
+  const unsigned short wide[] = {'a', 'b', 0};
+  EXPECT_EQ(KtString(wide, static_cast<unsigned short>(65535)).Len(), 2);
 }
 
 TEST(KtString, numbers_print_as_printf_does) {
@@ -248,6 +250,17 @@ TEST(KtString, moves_and_destroys) {
   EXPECT_EQ(Bytes(place, place + kFields), Bytes(kFields, 0));
 }
 
+TEST(KtString, fields_can_be_forgotten_and_texts_given_up) {
+  KtString s("text");
+  char* const block = s.buffer;
+  EXPECT_EQ(s.Init(), 0);
+  EXPECT_TRUE(s.buffer == nullptr && s.bufferSize == 0 && s.codeSet == 1 && s.language == 1);
+  s.buffer = block;
+  s.bufferSize = 5;
+  s.d_deactivate();
+  EXPECT_TRUE(s.buffer == nullptr && s.bufferSize == 0);
+}
+
 TEST(KtString, takes_texts_and_characters_on_either_side) {
   const KtString s("ab");
   char text[] = "ab";
@@ -377,6 +390,9 @@ TEST(KtChar, maps_into_its_own_code_set) {
   EXPECT_TRUE(western == wide);
   EXPECT_TRUE(wide != latin);
   EXPECT_TRUE(KtChar('a') == 'a');
+  EXPECT_TRUE(KtChar().code == 0 && KtChar().codeSet == 1 && KtChar().language == 1);
+  const KtChar euro(static_cast<unsigned short>(0x20AC));
+  EXPECT_TRUE(euro.code == 0x20AC && euro.codeSet == kWide && euro.language == 1);
   EXPECT_EQ(KtChar(0xC4, 1, 1).ToLower().code, 0xE4);
   EXPECT_EQ(KtChar('7', 1, 20).IsSpace(), 0);
   EXPECT_EQ(KtChar(' ', 1, 20).IsSpace(), 1);

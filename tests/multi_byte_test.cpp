@@ -498,6 +498,17 @@ TEST(MultiByte, the_text_ends_at_its_first_zero) {
   EXPECT_EQ(KtMBSLength(s, 9), 3);
 }
 
+TEST(MultiByte, a_zero_among_many_wide_characters_ends_the_text) {
+  for (const unsigned zero : {0u, 3u, 7u, 8u, 12u, 30u}) {
+    KtString text(253, 1);
+    text.Fill(40, static_cast<unsigned short>(0x20AC));
+    std::memset(text.buffer + 2 * zero, 0, 2);
+    char out[200];
+    EXPECT_EQ(KtString2KtMBS(text, out, sizeof out), 3 * zero);
+    EXPECT_EQ(KtMBSLength(text, 65535), 3 * zero);
+  }
+}
+
 TEST(MultiByte, lengths_count_characters_unless_the_text_is_plain) {
   const KtString plain("abc");
   EXPECT_EQ(KtMBSLength(plain, 1), 3);

@@ -211,6 +211,23 @@ TEST(OdmgTime, zones_come_from_the_clock_until_one_is_set) {
   EXPECT_EQ(d_Time(1, 2).tz_hour, 0);
 }
 
+TEST(OdmgTimestamp, is_taken_apart_and_put_together) {
+  const FixedClock clock;
+  const d_Timestamp noon(2005, 6, 28, 12, 30, 15);
+  EXPECT_TRUE(sameFields(d_Date(noon), d_Date(2005, 6, 28)));
+  d_Time time = noon;
+  EXPECT_TRUE(time == d_Time(12, 30, 15, 0, 0));
+  time = d_Timestamp(2005, 6, 28, 1, 2, 3);
+  EXPECT_TRUE(time == d_Time(1, 2, 3, 0, 0));
+  time = KtTime(4, 5, 6);
+  EXPECT_TRUE(time == d_Time(4, 5, 6, 0, 0));
+  EXPECT_TRUE(d_Time::current() == d_Time(12, 34, 56, 0, 0));
+  d_Timestamp midnight(d_Date(2004, 2, 29));
+  EXPECT_TRUE(midnight == d_Timestamp(2004, 2, 29));
+  midnight = d_Date(2005, 3, 1);
+  EXPECT_TRUE(midnight == d_Timestamp(2005, 3, 1));
+}
+
 TEST(OdmgTimestamp, carries_into_the_date_across_the_calendar_switch) {
   const FixedClock clock;
   EXPECT_TRUE(d_Timestamp::current() == d_Timestamp(2005, 6, 28, 12, 34, 56));

@@ -556,7 +556,11 @@ TEST(StringCompare, wildcard_characters_can_be_set) {
   EXPECT_EQ(compared("abc", "a_c", 0), 0);
   EXPECT_NE(compared("abc", "a*", 0), 0);
   EXPECT_EQ(KtStrCmp(253, 20, "a\0b\0\0", 1, 20, "a_", 0, -1, 4), 0);
+  EXPECT_EQ(KtString::SetEscape(KtChar('!')), 0);
+  EXPECT_EQ(compared("a%", "a!%", 0), 0);
+  EXPECT_NE(compared("abc", "a!%", 0), 0);
   KtString::SetAsterisk(KtChar('*'));
   KtString::SetQuestion(KtChar('?'));
+  KtString::SetEscape(KtChar('\\'));
   EXPECT_EQ(compared("abc", "a*", 0), 0);
 }

@@ -151,12 +151,14 @@ TEST(StringKey, a_null_sorts_before_the_empty_string_and_that_before_all_else) {
 
 TEST(StringKey, raw_keys_sort_as_bytes_do_and_next_to_others_by_the_native_set) {
   const KtString texts[] = {makeString(u"", 0, 1), makeString(u"A", 0, 1), makeString(u"AB", 0, 1),
-                            makeString(u"a", 0, 1)};
+                            makeString(u"a", 0, 1), makeString(u"A*", 0, 1)};
   for (const KtString& a : texts)
     for (const KtString& b : texts) {
       EXPECT_EQ(sortByMemcmp(keyOf(a), keyOf(b)), compareMemory(a, b, 0x100));
       const KtString other = makeString(u"AB", 1, 1);
       EXPECT_EQ(compareKeyBytes(keyOf(a), keyOf(other), 0x100).result, compareMemory(a, other, 0x100));
+      for (const unsigned short op : Operators{0, 0x10, 0x20, 0x100})
+        EXPECT_EQ(compareKeyBytes(keyOf(a), keyOf(b), op), (Outcome{compareMemory(a, b, op), 0})) << op;
     }
 }
 

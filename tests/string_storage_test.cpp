@@ -201,6 +201,29 @@ TEST(StringStorage, older_records_load_text_by_text) {
   }
 }
 
+TEST(StringStorage, an_older_text_beyond_the_longest_string_loads_as_its_assignment_would) {
+  const CaughtAssertions caught;
+  for (const unsigned long length : {65533ul, 65534ul}) {
+    const std::string text(length, 'x');
+    Bytes bytes{static_cast<unsigned char>((length + 1) >> 8), static_cast<unsigned char>(length + 1)};
+    bytes.insert(bytes.end(), text.begin(), text.end());
+    bytes.push_back(0);
+    KtString loaded, assigned;
+    StringLoad(&loaded, Block(bytes).get(), 2, 1);
+    assigned = text.c_str();
+    EXPECT_EQ(loaded.bufferSize, assigned.bufferSize);
+    EXPECT_EQ(textOf(loaded), textOf(assigned));
+  }
+}
+
+TEST(StringStorage, a_later_record_without_room_for_a_code_set_loads_as_an_empty_string) {
+  const Block run(hex("00 06 01 02 61 62 00 FF 00 03 63 64 65"));
+  KtString loaded[2] = {KtString("old"), KtString("old")};
+  EXPECT_EQ(StringLoad(loaded, run.get(), 2, 2), run.size);
+  EXPECT_EQ(textOf(loaded[0]), "ab");
+  EXPECT_EQ(loaded[1].IsEmpty(), 1);
+}
+
 TEST(StringStorage, the_legacy_table_stores_one_record_a_run) {
   const KtString run[] = {KtString("ab"), makeString(u"\u00E9!", 253, 1), KtString()};
   const Bytes expected = hex("00 07 61 62 00 E9 21 00 00");

@@ -104,6 +104,13 @@ TEST(TypeManager, older_conversion_joins_with_a_separator_that_no_value_holds) {
   EXPECT_STREQ(joined->StrGet(), "a,b\002x\001y\002");
   mgr.Delete(KT_ID_KtString, joined, 1);
   EXPECT_EQ(mgr.ConvertToKtStringOld(values, 100, 1), nullptr);
+
+  std::string all;
+  for (int code = 1; code < 255; ++code) all += static_cast<char>(code);
+  values[0] = all.c_str();
+  joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 1);
+  EXPECT_STREQ(joined->StrGet(), (all + ',').c_str());  // there is none: a comma
+  mgr.Delete(KT_ID_KtString, joined, 1);
 }
 
 TEST(TypeManager, older_conversion_takes_the_last_character_as_separator) {

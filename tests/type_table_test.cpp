@@ -156,6 +156,9 @@ TEST(TypeTable, ids_outside_the_table_do_nothing_and_say_nothing) {
     EXPECT_EQ(&mgr.PrintToKtString(id, out, &value, nullptr, 3), &out);
     EXPECT_STREQ(out.StrGet(), "kept");
     EXPECT_EQ(mgr.ScanFromKtString(id, &value, out, nullptr, 1), nullptr);
+    mgr.ConstructorPtrGet(id)(&value, 1, 0);
+    mgr.AssignmentPtrGet(id)(&value, &status, 1, 1);
+    mgr.DestructorPtrGet(id)(&value, 1, 0);
     EXPECT_EQ(value, 5);
     const bool illegalIsThere = o.version == 12 && o.id >= 100;
     EXPECT_EQ(mgr.GetArrayElement(id, &value, 0, 0), illegalIsThere ? &value : nullptr);

@@ -122,7 +122,6 @@ KT_CLONES unsigned long equalBlocksLoop(const unsigned char* a, const unsigned c
 KT_CLONES std::uint8_t xor8Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint8_t>(p, n); }
 KT_CLONES std::uint16_t xor16Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint16_t>(p, n); }
 KT_CLONES std::uint32_t xor32Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint32_t>(p, n); }
-KT_CLONES std::uint64_t xor64Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint64_t>(p, n); }
 
 KT_CLONES std::uint32_t xorFloatsLoop(const unsigned char* p, unsigned long n, bool swapped) {
   return swapped ? xorIeeeRun<std::uint32_t, true>(p, n) : xorIeeeRun<std::uint32_t, false>(p, n);
@@ -147,7 +146,6 @@ unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigne
 std::uint8_t xor8(const unsigned char* values, unsigned long count) { return xor8Loop(values, count); }
 std::uint16_t xor16(const unsigned char* values, unsigned long count) { return xor16Loop(values, count); }
 std::uint32_t xor32(const unsigned char* values, unsigned long count) { return xor32Loop(values, count); }
-std::uint64_t xor64(const unsigned char* values, unsigned long count) { return xor64Loop(values, count); }
 
 std::uint32_t xorFloats(const unsigned char* values, unsigned long count, bool swapped) {
   return xorFloatsLoop(values, count, swapped);

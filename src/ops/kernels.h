@@ -13,7 +13,6 @@ unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigne
 std::uint8_t xor8(const unsigned char* values, unsigned long count);
 std::uint16_t xor16(const unsigned char* values, unsigned long count);
 std::uint32_t xor32(const unsigned char* values, unsigned long count);
-std::uint64_t xor64(const unsigned char* values, unsigned long count);
 
 // The hash words of IEEE numbers, exclusive-ored: the bits folded to 32, -0 as 0 and every NaN as kNanWord. With
 // `swapped` each value's bytes are reversed first.
