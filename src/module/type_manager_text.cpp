@@ -112,22 +112,37 @@ char findSeparator(const KtTypeConvertData& holder, unsigned long count) {
   return ',';
 }
 
-// The text before the next separator, which is consumed with it; empty when there is none.
-KtString takePiece(KtString& text, const KtString& separator) {
-  const int end = text.Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS);
-  if (end < 0) return KtString(text.codeSet, text.language);
-  KtString piece = text.Left(static_cast<unsigned short>(end));
-  // Not Cut, whose count has 15 bits.
-  text = text.Right(static_cast<unsigned short>(text.Len() - end - 1));
-  return piece;
-}
+constexpr unsigned short kExactly = KtCMP_BINARY | KtCMP_NO_WILDCARDS;
+
+// The pieces of a text in turn. Not cut off one by one: that would move the rest of the text for each.
+class Pieces {
+public:
+  Pieces(const KtString& text, const KtString& separator) : text_(text), separator_(separator) {}
+
+  // The text before the next separator; empty when there is none.
+  KtString take() {
+    KtString piece(text_.codeSet, text_.language);
+    const int end = text_.Find(separator_, at_, kExactly);
+    if (end < 0) return piece;
+    const unsigned long length = static_cast<unsigned long>(end) - at_;
+    const char* from = text_.StrGet() + at_ * static_cast<unsigned long>(text_.CharSize());
+    if (length != 0) piece.Rebuild(from, text_.codeSet, 0, 0, length, 1, KtString::RebuildMode::kRebuild);
+    at_ = static_cast<unsigned short>(end + 1);
+    return piece;
+  }
+
+private:
+  const KtString& text_;
+  const KtString& separator_;
+  unsigned short at_ = 0;
+};
 
 unsigned long countPieces(const KtString& text, const KtString& separator) {
   unsigned long pieces = 1;
-  int at = text.Find(separator, 0, KtCMP_BINARY | KtCMP_NO_WILDCARDS);
+  int at = text.Find(separator, 0, kExactly);
   while (at >= 0) {
     ++pieces;
-    at = text.Find(separator, static_cast<unsigned short>(at + 1), KtCMP_BINARY | KtCMP_NO_WILDCARDS);
+    at = text.Find(separator, static_cast<unsigned short>(at + 1), kExactly);
   }
   return pieces;
 }
@@ -159,10 +174,12 @@ void* KtTypeMgr::ConvertFromKtStringOld(KtString* text, char id, unsigned long c
   const unsigned long pieces = countPieces(*text, separator);
   auto* strings = static_cast<KtString*>(stringRow(table_).Create(pieces));
   if (strings == nullptr) return nullptr;
+  Pieces rest(*text, separator);
   for (unsigned long i = 0; i < pieces; ++i) {
-    KtString piece = takePiece(*text, separator);
+    KtString piece = rest.take();
     strings[i].Destruct(piece);
   }
+  *text = text->Left(0);
   KtTypeConvertData holder(KT_ID_KtString, pieces, strings, this);
   return convertFrom(&holder, count);
 }
