@@ -39,13 +39,15 @@ public:
   std::vector<Hit> hits(const Query& query) override;
 
 private:
-  std::optional<IndexScan> scan(const Query& query) const;
+  std::optional<IndexScan> scan(const Query& query);
   IndexScan between(std::size_t field, const Value& low, const Value& high) const;
   template <class Visit>
   void visit(const Query& query, Visit visit);
 
   std::unique_ptr<Database> database_;
   const ClassSchema* class_ = nullptr;
+  // Made once, as statements are prepared once.
+  std::optional<Draft> low_, high_, place_;
   std::vector<ObjId> countries_;
   unsigned long firstPlace_ = 0;
 };
@@ -81,16 +83,20 @@ void Atlas::load(const Places& places, const std::string& file) {
 void Atlas::open(const std::string& file) {
   database_ = Database::openForReading({.file = file, .mapSize = 0, .language = std::nullopt});
   class_ = &database_->schema().classes()[1];
+  low_.emplace(*class_);
+  high_.emplace(*class_);
+  place_.emplace(*class_);
 }
 
 IndexScan Atlas::between(std::size_t field, const Value& low, const Value& high) const {
   const Field& schema = class_->fields[field];
-  const IndexRange range{boundKey(schema.type, low.stored()), boundKey(schema.type, high.stored())};
+  const IndexRange range{indexKey(schema.type, low.stored()), indexKey(schema.type, high.stored())};
   return database_->index(*class_, schema)->scan(range.bounds());
 }
 
-std::optional<IndexScan> Atlas::scan(const Query& query) const {
-  Draft low(*class_), high(*class_);
+std::optional<IndexScan> Atlas::scan(const Query& query) {
+  Draft& low = *low_;
+  Draft& high = *high_;
   switch (query.kind) {
     case Kind::kPopulation:
       in<KtDWord>(low[kPopulation]) = query.least;
@@ -134,7 +140,7 @@ void Atlas::visit(const Query& query, Visit visit) {
 
 unsigned long Atlas::run(const Query& query) {
   unsigned long sum = 0;
-  Draft place(*class_);
+  Draft& place = *place_;
   visit(query, [&](const Record& record) {
     for (const std::size_t field : {kName, kPopulation, kFounded, kLatitude})
       place[field].load(record.fieldBytes(field));
