@@ -14,6 +14,7 @@ if(KTTM_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${KTTM_CCACHE}")
 endif()
 
+# kttm_use_flags(target [FAST_BUILD]): FAST_BUILD for what only has to be built soon, such as tests and command lines.
 function(kttm_use_flags target)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   # Contracted multiply-adds would give other doubles on hosts (or in clones) that have the instruction.
@@ -22,6 +23,9 @@ function(kttm_use_flags target)
   if(KTTM_COVERAGE)
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
     target_link_options(${target} PRIVATE --coverage)
+  endif()
+  if(FAST_BUILD IN_LIST ARGN AND CMAKE_CXX_FLAGS_RELEASE MATCHES "-O3")
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
   endif()
   if(KTTM_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${KTTM_SANITIZE} -fno-sanitize-recover=all

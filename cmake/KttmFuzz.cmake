@@ -23,6 +23,6 @@ target_include_directories(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/ex
 # Writes the first inputs of the harnesses over all rows: build it, then run `fuzz_make_seeds fuzz/corpus`.
 add_executable(fuzz_make_seeds EXCLUDE_FROM_ALL "${PROJECT_SOURCE_DIR}/fuzz/seeds/make_seeds.cpp"
                                                 "${PROJECT_SOURCE_DIR}/tests/laws/samples.cpp")
-kttm_use_flags(fuzz_make_seeds)
+kttm_use_flags(fuzz_make_seeds FAST_BUILD)
 kttm_link_inside(fuzz_make_seeds)
 target_include_directories(fuzz_make_seeds PRIVATE "${PROJECT_SOURCE_DIR}/tests")

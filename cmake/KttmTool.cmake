@@ -3,7 +3,7 @@
 file(GLOB tool_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tools/kttm/*.cpp")
 if(tool_sources)
   add_executable(kttm_tool ${tool_sources})
-  kttm_use_flags(kttm_tool)
+  kttm_use_flags(kttm_tool FAST_BUILD)
   set_target_properties(kttm_tool PROPERTIES OUTPUT_NAME kttm)
   target_include_directories(kttm_tool PRIVATE "${PROJECT_SOURCE_DIR}/tools/kttm")
   target_link_libraries(kttm_tool PRIVATE kttm)

@@ -6,6 +6,7 @@
 
 #include <ktbs.h>
 
+#include <array>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -66,6 +67,10 @@ Disk store(const Row& row, const Values& values, unsigned char format, Findings&
 Disk store(const Row& row, const Values& values, unsigned char format) {
   Findings ignored;
   return store(row, values, format, ignored);
+}
+
+const KtTypeDescriptor& descriptorOf(const Row& row) {
+  return *(row.version == 12 ? kt::currentTypeTable() : kt::legacyTypeTable())[static_cast<unsigned char>(row.id)];
 }
 
 long signOf(long value) { return (value > 0) - (value < 0); }
@@ -283,6 +288,81 @@ void hashSpreads(const Row& row, const Sample* sample, Findings& findings) {
   }
 }
 
+// --- estimates ----------------------------------------------------------------------------------------------------------
+
+constexpr unsigned char kKeyBit = 0x80;  // strings in indexes are keys; other types do not read the bit
+
+Bytes keyOf(const Row& row, const Made& made, unsigned char form) {
+  const auto keyForm = static_cast<unsigned char>(form | kKeyBit);
+  Bytes key(managerOf(row).DiskLenGet(row.id, made.memory.get(), keyForm, 1, kMemory));
+  managerOf(row).Translate(row.id, key.data(), keyForm, key.size(), made.memory.get(), kMemory, 0, 1);
+  return key;
+}
+
+using Shares = std::array<float, 8>;  // by flags
+
+Shares sharesOf(const Row& row, Made& key, unsigned char form, const Made& lowest, const Made& highest) {
+  Bytes low = keyOf(row, lowest, form);
+  Bytes high = keyOf(row, highest, form);
+  KtIdxBounds range{low.data(), high.data(), static_cast<unsigned char>(low.size()),
+                    static_cast<unsigned char>(high.size())};
+  Shares shares;
+  for (unsigned short flags = 0; flags < shares.size(); ++flags)
+    shares[flags] = managerOf(row).EvalAndBound(row.id, &range, flags, key.in(form), form, 1, nullptr, nullptr);
+  return shares;
+}
+
+void checkShares(const Shares& shares, unsigned char form, Findings& findings) {
+  for (unsigned flags = 0; flags < shares.size(); ++flags) {
+    require(shares[flags] >= 0 && shares[flags] <= 1, findings, code(form), ": share ", shares[flags]);
+    for (const unsigned bit : {1u, 2u, 4u})
+      require(shares[flags & ~bit] <= shares[flags], findings, code(form), ": shrinks by flag ", bit);
+  }
+}
+
+// What satisfies the flags lies within the bounds, by the order on disk; a bound that is set stays.
+void checkBounds(const Row& row, Made& key, std::vector<Made>& all, unsigned char form, unsigned short flags,
+                 Findings& findings) {
+  const KtTypeMgr& mgr = managerOf(row);
+  const auto place = [&](Bytes sample, void* bound, unsigned long length) {
+    int status = 0;
+    const auto keyForm = static_cast<unsigned char>(form | kKeyBit);
+    return mgr.Cmp(row.id, sample.size(), sample.data(), length, bound, kOptions, 1, keyForm, status);
+  };
+  KtIdxBounds bounds;
+  mgr.EvalAndBound(row.id, nullptr, flags, key.in(form), form, 1, &bounds, nullptr);
+  const KtIdxBounds first = bounds;
+  for (Made& other : all) {
+    const long order = compare(row, other.in(form), key.in(form), form);
+    const bool isSelected = (flags & (order == 0 ? 1 : order < 0 ? 2 : 4)) != 0;
+    const bool isInside = (!first.lowKey || place(keyOf(row, other, form), first.lowKey, first.lowKeyLength) >= 0) &&
+                          (!first.highKey || place(keyOf(row, other, form), first.highKey, first.highKeyLength) <= 0);
+    require(!isSelected || isInside, findings, code(form), ": flags ", flags, " exclude ", other.sample->name);
+    mgr.EvalAndBound(row.id, nullptr, flags, other.in(form), form, 1, &bounds, nullptr);
+    require(bounds.lowKey == first.lowKey && bounds.highKey == first.highKey, findings, "a bound is replaced");
+  }
+  KtFreeIdxBounds(&bounds);
+}
+
+void estimate(const Row& row, const Sample* sample, Findings& findings) {
+  if (descriptorOf(row).EvalAndBound == kt::currentTypeTable()[KT_ID_illegal]->EvalAndBound) return;
+  std::vector<Made> all = makeAll(row, sample);
+  for (const unsigned char form : kForms) {
+    if (form == kMemory) continue;
+    Made* low = nullptr;  // the range of all but nulls
+    Made* high = nullptr;
+    for (Made& a : all) {
+      for (Made& b : all) checkShares(sharesOf(row, all.front(), form, a, b), form, findings);
+      if (a.sample->source == Sample::kNull) continue;
+      if (low == nullptr || compare(row, a.in(form), low->in(form), form) < 0) low = &a;
+      if (high == nullptr || compare(row, a.in(form), high->in(form), form) > 0) high = &a;
+    }
+    for (unsigned short flags = 0; flags < 8; ++flags) checkBounds(row, all.front(), all, form, flags, findings);
+    const float whole = sharesOf(row, all.front(), form, *low, *high)[7];
+    require(sample->source == Sample::kNull || whole > 0.999F, findings, code(form), ": of all it selects ", whole);
+  }
+}
+
 // --- text ---------------------------------------------------------------------------------------------------------------
 
 void convert(const Row& row, const Sample* sample, Findings& findings) {
@@ -302,10 +382,6 @@ void printScan(const Row& row, const Sample* sample, Findings& findings) {
 }
 
 // --- rows as a whole ------------------------------------------------------------------------------------------------------
-
-const KtTypeDescriptor& descriptorOf(const Row& row) {
-  return *(row.version == 12 ? kt::currentTypeTable() : kt::legacyTypeTable())[static_cast<unsigned char>(row.id)];
-}
 
 // SetNullValue gives the default where there is no null.
 void checkNoNull(const Row& row, Findings& findings) {
@@ -452,6 +528,7 @@ const Law kOrder{"order", order};
 const Law kTotalOrder{"total_order", totalOrder};
 const Law kHash{"hash", hash};
 const Law kHashSpreads{"hash_spreads", hashSpreads};
+const Law kEstimate{"estimate", estimate};
 const Law kConvert{"convert", convert};
 const Law kPrintScan{"print_scan", printScan};
 const Law kNull{"null", null};
