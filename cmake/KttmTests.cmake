@@ -126,3 +126,10 @@ if(TARGET kttm_tool AND KTTM_BASH)
            COMMAND "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/run_cases.sh"
                    ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kttm_tool>)
 endif()
+
+# Sizes in memory are those of 64 bits.
+if(KTTM_NATIVE64 AND TARGET kttm_tool AND KTTM_BASH)
+  add_test(NAME tool.docs_show_the_types_as_they_are
+           COMMAND "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/check_types_page.sh" $<TARGET_FILE:kttm_tool>
+                   "${PROJECT_SOURCE_DIR}/docs/types.md")
+endif()

@@ -34,14 +34,14 @@
 namespace kt {
 namespace {
 
-// The illegal row: everything answers 0 or null.
-constexpr KtTypeDescriptor illegalRow(const char* name, unsigned short memLen, const char* format) {
-  using Ops = IllegalOps;
+// A type whose operations are all of one family, Ops, which names them as the fields.
+template <class Ops>
+constexpr KtTypeDescriptor rowOf(const char* name, unsigned short memLen, const char* format) {
   return {.Name = name,
           .Create = Ops::create,
           .Delete = Ops::destroy,
           .Store = Ops::store,
-          .Load = Ops::store,
+          .Load = Ops::load,
           .NullSizeGet = Ops::nullSizeGet,
           .SizeGet = Ops::sizeGet,
           .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
@@ -51,12 +51,12 @@ constexpr KtTypeDescriptor illegalRow(const char* name, unsigned short memLen, c
           .ConvertTo = Ops::convertTo,
           .ConvertFrom = Ops::convertFrom,
           .Constructor = Ops::construct,
-          .Destructor = Ops::construct,
+          .Destructor = Ops::destruct,
           .Assignment = Ops::assign,
-          .Copy = Ops::assign,
+          .Copy = Ops::copy,
           .Translate = Ops::translate,
           .IsNull = Ops::isNull,
-          .SetNull = nullptr,
+          .SetNull = Ops::kSetNull,
           .Format = format,
           .PrintToKtString = Ops::print,
           .ScanFromKtString = Ops::scan,
@@ -85,34 +85,15 @@ struct TextForm {
 template <class V>
 constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtTypeCmpFunc compare,
                                      const Helpers& helpers) {
-  using Ops = ScalarOps<V>;
-  return {.Name = name,
-          .Create = Ops::create,
-          .Delete = Ops::destroy,
-          .Store = helpers.store,
-          .Load = helpers.load,
-          .NullSizeGet = helpers.nullSizeGet,
-          .SizeGet = helpers.sizeGet,
-          .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
-          .Compare = compare,
-          .EvalAndBound = Ops::evalAndBound,
-          .Hash = Ops::hash,
-          .ConvertTo = Ops::convertTo,
-          .ConvertFrom = Ops::convertFrom,
-          .Constructor = Ops::construct,
-          .Destructor = Ops::destruct,
-          .Assignment = Ops::assign,
-          .Copy = Ops::assign,
-          .Translate = Ops::translate,
-          .IsNull = neverNull,
-          .SetNull = nullptr,
-          .Format = text.format,
-          .PrintToKtString = text.print,
-          .ScanFromKtString = text.scan,
-          .MemLen = sizeof(typename V::Memory),
-          .IsFixed = 1,
-          .DefaultValue = Ops::defaultValue,
-          .Reserved = nullptr};
+  KtTypeDescriptor row = rowOf<ScalarOps<V>>(name, sizeof(typename V::Memory), text.format);
+  row.Store = helpers.store;
+  row.Load = helpers.load;
+  row.NullSizeGet = helpers.nullSizeGet;
+  row.SizeGet = helpers.sizeGet;
+  row.Compare = compare;
+  row.PrintToKtString = text.print;
+  row.ScanFromKtString = text.scan;
+  return row;
 }
 
 // A row that shares all operations of `base` but for its unsigned order, estimate and hash, those of V.
@@ -164,38 +145,6 @@ constexpr KtTypeDescriptor enumRow() {
   row.Name = "enum";
   row.Translate = ScalarOps<EnumValue>::translate;
   return row;
-}
-
-// A type whose operations are all of one family, Ops, which names them as the fields.
-template <class Ops>
-constexpr KtTypeDescriptor rowOf(const char* name, unsigned short memLen, const char* format) {
-  return {.Name = name,
-          .Create = Ops::create,
-          .Delete = Ops::destroy,
-          .Store = Ops::store,
-          .Load = Ops::load,
-          .NullSizeGet = Ops::nullSizeGet,
-          .SizeGet = Ops::sizeGet,
-          .SizeGetFromMemFile = Ops::sizeGetFromMemFile,
-          .Compare = Ops::compare,
-          .EvalAndBound = Ops::evalAndBound,
-          .Hash = Ops::hash,
-          .ConvertTo = Ops::convertTo,
-          .ConvertFrom = Ops::convertFrom,
-          .Constructor = Ops::construct,
-          .Destructor = Ops::destruct,
-          .Assignment = Ops::assign,
-          .Copy = Ops::copy,
-          .Translate = Ops::translate,
-          .IsNull = Ops::isNull,
-          .SetNull = Ops::kSetNull,
-          .Format = format,
-          .PrintToKtString = Ops::print,
-          .ScanFromKtString = Ops::scan,
-          .MemLen = memLen,
-          .IsFixed = 1,
-          .DefaultValue = Ops::defaultValue,
-          .Reserved = nullptr};
 }
 
 template <class Ops>
@@ -277,7 +226,7 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /* 37 */ nullableRow<DoubleValue>("KtNull_double"),
     /* 38 */ nullableRow<Int64Value>("KtNull_KtInt64"),
     /* 39 */ rowOf<SealOps>("KtSeal", sizeof(KtSeal), "noop"),
-    /* 40 */ illegalRow("illegal", 0, "illegal"),
+    /* 40 */ rowOf<IllegalOps>("illegal", 0, "illegal"),
 };
 
 // The legacy table's own string row: the older disk form, and no null value.

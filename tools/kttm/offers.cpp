@@ -14,12 +14,13 @@ namespace {
 constexpr unsigned char kAnyFormat = 2;
 constexpr unsigned short kAllFlags = 0xFFFF;
 
-// Values that differ, as far as the type can make them: its default value and what the texts "1" and "2" convert to.
+// Values that differ, as far as the type can make them: its default value and what these texts convert to, the last of
+// them for identities.
 std::vector<Values> samplesOf(const Type& type) {
   std::vector<Values> samples;
   if (!type.hasValues) return samples;
   samples.emplace_back(type, 1);
-  for (const char* text : {"1", "2"}) {
+  for (const char* text : {"1", "2", "(9-2#4)"}) {
     KtString string(text);
     KtTypeConvertData holder(KT_ID_KtString, 1, &string, nullptr);
     void* probe = manager().ConvertFrom(type.id, &holder, 1);
