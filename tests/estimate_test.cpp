@@ -180,6 +180,23 @@ TEST(Estimate, nulls_are_guessed) {
                  "00 00 00 00 05 00 00 00 00", 1, 0.01}});
 }
 
+TEST(Estimate, nothing_is_beyond_infinity_where_keys_may_be_null) {
+  constexpr const char *zero = "00 00 00 00 00 00 00 00 00", *one = "00 3F F0 00 00 00 00 00 00";
+  constexpr const char *infinity = "00 7F F0 00 00 00 00 00 00", *minusInfinity = "00 FF F0 00 00 00 00 00 00";
+  constexpr const char* nan = "00 7F F8 00 00 00 00 00 00";
+  constexpr char id = KT_ID_KtNull_double;
+  expectShares({{id, 2, zero, one, infinity, 4, 0},
+                {id, 2, zero, one, infinity, 2, 1},
+                {id, 2, zero, one, minusInfinity, 2, 0},
+                {id, 2, zero, one, minusInfinity, 4, 1},
+                {id, 2, zero, infinity, infinity, 4, 0},  // infinity - infinity
+                {id, 2, zero, infinity, infinity, 2, 1},
+                {id, 2, minusInfinity, infinity, zero, 4, 1},
+                {id, 2, infinity, infinity, infinity, 1, 1},
+                {id, 2, zero, one, nan, 1, 1},
+                {KT_ID_KtNull_float, 2, "00 00 00 00 00", "00 3F 80 00 00", "00 7F 80 00 00", 4, 0}});
+}
+
 TEST(Estimate, booleans_select_a_third) {
   EXPECT_EQ(shareOf(KT_ID_KtBoolean, 2, nullptr, "01", 1), 0);
   expectShares({{KT_ID_KtBoolean, 2, "00", "01", "01", 1, 1.0 / 3}, {KT_ID_KtBoolean, 2, "00", kUnset, "01", 1, 0}});

@@ -1,7 +1,9 @@
 // range_measure.h - how much of a known range of keys a comparison selects, in numbers.
 //
 // A key is a number here, equal to itself, and keys are spread evenly over the range, `unit` apart. Terms that no number
-// can tell (NaN, infinite) count as the largest finite double, terms below 0 as nothing. All functions are pure.
+// can tell (NaN, infinite) count as the largest finite double, terms below 0 as nothing. Where keys may be null, only
+// the term of equality is replaced so: nothing is greater than infinity, nor less than minus infinity. All functions are
+// pure.
 #ifndef KT_OPS_RANGE_MEASURE_H
 #define KT_OPS_RANGE_MEASURE_H
 
@@ -48,7 +50,8 @@ inline double rangeWidth(const KeyRange<NullableNumber>& range) {
   return range.high.value - range.low.value + kWholeUnit;
 }
 
-// measure / width as a share of 0 to 1; a share above 0 is at least `least`. A width of 0 or less counts as 1.
+// measure / width as a share of 0 to 1; a share above 0 is at least `least`. A width of 0 or less counts as 1, one that is
+// NaN or infinite as the largest finite double.
 float shareOf(double measure, double width, double least = 0);
 
 }  // namespace kt
