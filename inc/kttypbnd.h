@@ -7,7 +7,7 @@
 constexpr unsigned short KtINDEX_MAX_KEYLEN = 254;  // DISK: bytes of the longest index key
 
 // Comparison flags of EvalAndBound: which keys are selected, told by where they stand to the comparison value. Any
-// combination may be set; 3 is "less or equal", 6 "not equal".
+// combination may be set; 3 is "less or equal", 6 "not equal". Recording bounds clears all flags but 0x800F.
 constexpr unsigned short KtBOUND_EQUAL = 1;
 constexpr unsigned short KtBOUND_LESS = 2;
 constexpr unsigned short KtBOUND_GREATER = 4;

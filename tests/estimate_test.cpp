@@ -295,15 +295,18 @@ TEST(Estimate, records_the_key_as_the_bounds_that_the_flags_leave) {
       {KT_ID_KtNull_double, 2, "00 3F F0 00 00 00 00 00 00", 1, 2, 2, kUnset, "00 3F F0 00 00 00 00 00 00"},
       {KT_ID_KtDateTime, 2, "07 D0 01 01 00 00 00", 1, 4, 4, "07 D0 01 01 00 00 00", kUnset},
       {KT_ID_KtBoolean, 2, "01", 1, 1, 1, "01", "01"},
-      {KT_ID_KtRef, 2, "00 00 00 03 00 00 00 02 00 00 00 05 00 09", 1, 2, 2, kUnset,
+      {KT_ID_KtRef, 2, "00 00 00 03 00 00 00 02 00 00 00 05 00 09", 1, 0xFFF2, 0x8002, kUnset,
        "00 00 00 03 00 00 00 02 00 00 00 05 00 09"},
       {KT_ID_KtBlob, 2, "00 00 00 04 FF FF FF FF", 1, 0xFFFF, 0xFFFF, kUnset, kUnset},
   };
   for (const BoundCase& c : cases) {
     SCOPED_TRACE(std::string(manager().NameGet(c.id, nullptr)) + " " + c.key);
     const kt_test::Block key(hex(c.key));
-    KtIdxBounds result;
     unsigned short flags = c.flags;
+    manager().EvalAndBound(c.id, nullptr, flags, key.get(), c.format, c.count, nullptr, nullptr);
+    EXPECT_EQ(flags, c.id == KT_ID_KtRef ? c.masked : c.flags);  // where nothing is recorded
+    flags = c.flags;
+    KtIdxBounds result;
     EXPECT_EQ(manager().EvalAndBound(c.id, nullptr, flags, key.get(), c.format, c.count, &result, nullptr) > 0,
               c.id == KT_ID_KtRef);
     EXPECT_EQ(flags, c.masked);
@@ -329,8 +332,15 @@ TEST(Estimate, cuts_bounds_at_the_longest_key_and_takes_the_first_value) {
 TEST(Estimate, of_no_values_is_nothing) {
   Range range("00 00", "00 09");
   unsigned short flags = 7;
-  EXPECT_EQ(manager().EvalAndBound(KT_ID_short, &range.keys, flags, nullptr, 2, 0, nullptr, nullptr), 0);
-  EXPECT_EQ(manager().EvalAndBound(KT_ID_KtRef, &range.keys, flags, nullptr, 2, 0, nullptr, nullptr), 0);
+  for (const char id : {KT_ID_short, KT_ID_KtNull_char, KT_ID_KtObjId, KT_ID_KtRef}) {
+    KtIdxBounds empty;
+    EXPECT_EQ(manager().EvalAndBound(id, &range.keys, flags, nullptr, 2, 0, nullptr, nullptr), 0);
+    flags = KtBOUND_EQUAL;
+    EXPECT_EQ(manager().EvalAndBound(id, &range.keys, flags, nullptr, 2, 0, &empty, nullptr), 0);
+    EXPECT_NE(empty.lowKey, nullptr);
+    EXPECT_EQ(empty.lowKeyLength, 0);
+    KtFreeIdxBounds(&empty);
+  }
 }
 
 // --- rows -------------------------------------------------------------------------------------------------------------
