@@ -15,15 +15,13 @@ namespace {
 
 constexpr unsigned char kLittleEndian = 0;
 
-KtTypeMgr& manager() {
-  static KtTypeMgr instance(12);
-  return instance;
-}
+// At namespace scope: a comparator is called too often to ask each time whether its manager is made.
+const KtTypeMgr manager(12);
 
 int compareRecords(const MDB_val* a, const MDB_val* b) {
   int status;
-  return sign(manager().Cmp(KT_ID_KtString, a->mv_size, a->mv_data, b->mv_size, b->mv_data, KtCMP_NO_WILDCARDS, 1,
-                            kLittleEndian, status));
+  return sign(manager.Cmp(KT_ID_KtString, a->mv_size, a->mv_data, b->mv_size, b->mv_data, KtCMP_NO_WILDCARDS, 1,
+                          kLittleEndian, status));
 }
 
 // Blanks and symbols decide last, as with us; equal names are told apart by their bytes.

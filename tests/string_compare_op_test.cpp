@@ -101,6 +101,33 @@ TEST(StringCompareRuns, memory_and_records_agree_under_every_operator) {
   }
 }
 
+// One record against one takes a short way; the first of a run of two takes none.
+TEST(StringCompareRuns, single_records_compare_as_the_first_of_a_run_does) {
+  std::mt19937 random(8);
+  const std::u16string pool = u"aaaaabAB -\u00E4\u00C4";
+  const auto changed = [&random](Bytes record, std::size_t from) {
+    record[from + random() % (record.size() - 1 - from)] = static_cast<unsigned char>(random() % 3 * 0x61);
+    return record;
+  };
+  for (int i = 0; i < 20000; ++i) {
+    std::u16string a, b;
+    for (std::size_t n = random() % 20; n != 0; --n) a += pool[random() % pool.size()];
+    b = a.substr(0, random() % 22);
+    for (std::size_t n = random() % 3; n != 0; --n)
+      b.insert(random() % (b.size() + 1), 1, pool[random() % pool.size()]);
+    const unsigned char set = random() % 2 == 0 ? 1 : 253, format = static_cast<unsigned char>(random() % 3);
+    Bytes x = recordsOf({makeString(a, set, 1)}, format);
+    Bytes y = recordsOf({makeString(b, set, 1)}, format);
+    if (random() % 4 == 0) x = changed(x, 4);  // ends within the text, and texts without one, too
+    if (random() % 4 == 0) y = changed(y, 2);
+    Bytes xx = x, yy = y;
+    xx.insert(xx.end(), x.begin(), x.end());
+    yy.insert(yy.end(), y.begin(), y.end());
+    for (const unsigned short op : Operators{0x10, 0x70, 0x290})
+      ASSERT_EQ(compareRecords(x, y, format, 1, op), compareRecords(xx, yy, format, 2, op)) << i << " " << op;
+  }
+}
+
 TEST(StringCompareRuns, format_bits_change_the_code_set_that_counts) {
   const Bytes upper = recordsOf({makeString(u"B", 1, 1)}, 0);
   const Bytes lower = recordsOf({makeString(u"a", 1, 1)}, 0);

@@ -76,9 +76,8 @@ bool holdsCurrent(const Record& record, unsigned long length) {
   return record.size() <= knownLength(length) && !record.isOlder();
 }
 
-// One record against one, both in the current form and alike in code set and language: what a B-tree compares. 0 where
-// that does not decide.
-[[gnu::always_inline]] inline std::int32_t recordDifference(const Record& a, const Record& b, unsigned char format) {
+// Of two records in the current form, alike in code set and language. 0 where that does not decide.
+std::int32_t recordDifference(const Record& a, const Record& b, unsigned char format) {
   if (a.codeSet() != b.codeSet() || a.language() != b.language()) return 0;
   const unsigned codes = a.language() * 256u + a.codeSet();
   const unsigned long bytesA = a.textBytes(), bytesB = b.textBytes();
@@ -95,12 +94,11 @@ bool holdsTwo(unsigned long lengthA, unsigned long lengthB, unsigned long least)
   return knownLength(lengthA) >= least && knownLength(lengthB) >= least;
 }
 
-}  // namespace
-
-// Usual texts are seen alike by every kind.
+// Everything but what the first characters of two records decide. Apart and with the same arguments, so that the
+// look-ups of a B-tree need no stack frame.
 template <class Kind>
-long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
-                    unsigned short options, unsigned long count, int& status) {
+[[gnu::noinline]] long compareInFull(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB,
+                                     void* b, unsigned short options, unsigned long count, int& status) {
   const unsigned cmpOp = Kind::cmpOp(options);
   if (count == 1 && isPlainOperator(cmpOp)) {
     status = 0;
@@ -114,13 +112,88 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
       const Record x = recordAt(a, format);
       const Record y = recordAt(b, format);
       if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB)) {
-        if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
         // The pair at which every look-up ends.
         if (x.length == y.length && std::memcmp(x.bytes, y.bytes, x.size()) == 0) return 0;
+        if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
       }
     }
   }
   return compareMany<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
+}
+
+// --- what a B-tree asks for: one record against one, decided by the first characters ---------------------------------
+
+constexpr unsigned long kHeadRecord = kCodeSetAt + 8;  // the least record of which a word can be read from there
+constexpr unsigned long kHeadUnits = 3;                // 16-bit characters in such a word
+constexpr unsigned long kLongHeadUnits = 7;            // and in two
+constexpr std::uint64_t kCodes = 0xFFFF;               // of a head: language * 256 + code set
+constexpr unsigned kTextEndAndMark = std::endian::native == std::endian::little ? kCurrentMark << 8 : kCurrentMark;
+static_assert(kTextEnd == 0);
+
+inline unsigned loadWord(const unsigned char* at) {
+  std::uint16_t word;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+// Whether the bytes hold one record in the current form that is no shorter than that.
+[[gnu::always_inline]] inline bool holdsHead(const unsigned char* bytes, unsigned long length, unsigned char format) {
+  if (length < kHeadRecord) return false;
+  const unsigned long own = readLength(bytes, lowCode(format));
+  return own - (kHeadRecord - kLengthBytes) <= length - kHeadRecord && loadWord(bytes + own) == kTextEndAndMark;
+}
+
+// The first characters of such records of 16-bit characters, in either order. 0: not decided.
+[[gnu::always_inline]] inline std::int32_t wideHeadDifference(const Record& a, const Record& b, int rotation,
+                                                              const WideWeights& table) {
+  const unsigned long unitsA = a.textBytes() / 2, unitsB = b.textBytes() / 2;
+  const unsigned long shorter = std::min(unitsA, unitsB);
+  const char* const codesA = a.text() - 2;
+  const char* const codesB = b.text() - 2;
+  const std::uint32_t mask = shorter < kLongHeadUnits - 1
+                                 ? differences8<2>(codesA, codesB) >> 2 | 1u << 2 * kHeadUnits
+                                 : differences16<2>(codesA, codesB) >> 2 | 1u << 2 * kLongHeadUnits;
+  const unsigned long at = std::min<unsigned long>(lowestBit(mask) / 2, shorter);
+  const unsigned unitA = at < unitsA ? loadUnit(a.text(), at, rotation) : 0;
+  const unsigned unitB = at < unitsB ? loadUnit(b.text(), at, rotation) : 0;
+  if (unitA >= kNearUnits || unitB >= kNearUnits) [[unlikely]]
+    return 0;
+  return decidedDifference(table.primary[unitA], table.primary[unitB]);
+}
+
+template <class Kind>
+[[gnu::noinline]] long compareWideHeads(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB,
+                                        void* b, unsigned short options, unsigned long count, int& status) {
+  const Record x = recordAt(a, format), y = recordAt(b, format);
+  const WideWeights* table = usualWideWeights(x.language() * 256u + x.codeSet());
+  const int rotation = unitsAreSwapped(lowCode(format)) ? 8 : 0;
+  const std::int32_t difference = table != nullptr ? wideHeadDifference(x, y, rotation, *table) : 0;
+  if (difference == 0) return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  status = 0;
+  return signOf(difference);
+}
+
+}  // namespace
+
+// Usual texts are seen alike by every kind.
+template <class Kind>
+long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                    unsigned short options, unsigned long count, int& status) {
+  const auto* const recordA = static_cast<const unsigned char*>(a);
+  const auto* const recordB = static_cast<const unsigned char*>(b);
+  if (count != 1 || !isPlainOperator(Kind::cmpOp(options)) || (format & kOtherForms) != 0 ||
+      !holdsHead(recordA, lengthA, format) || !holdsHead(recordB, lengthB, format))
+    return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const std::uint64_t headA = loadLowFirst(recordA + kCodeSetAt);
+  const std::uint64_t headB = loadLowFirst(recordB + kCodeSetAt);
+  if (((headA ^ headB) & kCodes) != 0)
+    return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const ByteWeights* table = usualByteWeights(headA & kCodes);
+  if (table == nullptr) return compareWideHeads<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const std::int32_t difference = differenceInHeads(headA >> 16, headB >> 16, *table);
+  if (difference == 0) return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  status = 0;
+  return signOf(difference);
 }
 
 #define KT_INSTANTIATE(Kind)                                                                                    \

@@ -57,7 +57,9 @@ constexpr bool isBigEndianWord(unsigned char code) {
 }
 
 inline unsigned long readLength(const unsigned char* at, unsigned char code) {
-  return isBigEndianWord(code) ? at[0] * 256ul + at[1] : at[1] * 256ul + at[0];
+  std::uint16_t word;
+  std::memcpy(&word, at, sizeof word);
+  return isBigEndianWord(code) == (std::endian::native == std::endian::big) ? word : swapped(word);
 }
 
 inline void writeLength(unsigned char* at, unsigned long length, unsigned char code) {

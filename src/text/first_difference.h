@@ -21,6 +21,13 @@ namespace kt {
 constexpr unsigned long kFirstBytes = 16;  // of a text, that are compared at once
 constexpr unsigned long kBytesBefore = 4;  // of a record, before the text
 
+// Byte i of memory is bits 8 * i to 8 * i + 7.
+inline std::uint64_t loadLowFirst(const void* p) {
+  std::uint64_t word;
+  std::memcpy(&word, p, sizeof word);
+  return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
+}
+
 // Of a mask that is not 0.
 inline unsigned lowestBit(std::uint32_t mask) { return static_cast<unsigned>(std::countr_zero(mask)); }
 
@@ -52,13 +59,6 @@ std::uint32_t differences8(const char* a, const char* b) {
 
 #else
 
-// Byte i of memory is bits 8 * i to 8 * i + 7.
-inline std::uint64_t loadLowFirst(const char* p) {
-  std::uint64_t word;
-  std::memcpy(&word, p, sizeof word);
-  return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
-}
-
 // The top bit of every lane of kCharSize bytes that is 0; nothing is carried from lane to lane.
 template <unsigned long kCharSize>
 constexpr std::uint64_t zeroLanes(std::uint64_t word) {
@@ -85,7 +85,7 @@ std::uint32_t differences16(const char* a, const char* b) {
 // The same where only what lies between `kBytesBefore` before the texts and byte `end` (4 to 16) may be read, by two
 // pieces that overlap; bits from `end` on are 0.
 template <unsigned long kCharSize>
-std::uint32_t differencesBefore(const char* a, const char* b, unsigned long end) {
+[[gnu::always_inline]] inline std::uint32_t differencesBefore(const char* a, const char* b, unsigned long end) {
   const unsigned long first = std::min(end, 8ul);
   const std::uint32_t low = differences8<kCharSize>(a + first - 8, b + first - 8);
   const std::uint32_t high = differences8<kCharSize>(a + end - 8, b + end - 8);

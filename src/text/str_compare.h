@@ -70,6 +70,14 @@ long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp);
 long compareTerminated(const char* a, const char* b, const ByteWeights& table, unsigned cmpOp);
 long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp);
 
+// Of texts of bytes that lie in words, the first one lowest, and have no more than six: what lies above ends them.
+[[gnu::always_inline]] inline std::int32_t differenceInHeads(std::uint64_t a, std::uint64_t b,
+                                                             const ByteWeights& table) {
+  const std::uint64_t zeros = (a - 0x0101010101010101u) & ~a & 0x8080808080808080u;  // the lowest one is right
+  const int bit = std::countr_zero((a ^ b) | zeros) & 56;
+  return decidedDifference(table.primary[a >> bit & 255], table.primary[b >> bit & 255]);
+}
+
 // Of texts that have kBytesBefore readable bytes before them and two behind, and no terminator. 0: not decided.
 template <unsigned long kCharSize, class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInRecords(const char* a, const char* b, unsigned long limitA,
@@ -79,7 +87,7 @@ template <unsigned long kCharSize, class Table>
     const Weight weight = primaryAt(table, text, at);
     return at < limit ? weight : 0;
   };
-  const unsigned long end = std::min({limitA * kCharSize, limitB * kCharSize, kFirstBytes});
+  const unsigned long end = std::min(std::min(limitA, limitB) * kCharSize, kFirstBytes);
   if (end < kBytesBefore) return 0;
   if (const std::int32_t difference = differenceAt(0, a, b, table)) return difference;  // far apart
   std::uint32_t mask = differencesBefore<kCharSize>(a, b, end) | 1u << end;
