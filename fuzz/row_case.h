@@ -1,6 +1,6 @@
 // row_case.h - how the harnesses over all rows of the type table read their input, which is laid out alike for all:
 //
-//   0  1  row: bit 7 the legacy table, else the current one; the other bits modulo 41 the type id
+//   0  1  row: bit 7 the legacy table, else the current one; the other bits modulo KtTYPE_COUNT the type id
 //   1  1  format code
 //   2  1  count of values, modulo 9
 //   3  2  options, the low byte first

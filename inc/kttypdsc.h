@@ -1,7 +1,8 @@
 // kttypdsc.h - type ids and the type descriptor: one record of per-type operations for each type id.
 //
-// A type id is a signed byte. The current table holds the ids 0 to 40, the legacy table 0 to 27. Ids of 100 and more,
-// and every other id outside the table in use, act as the illegal descriptor (id 40).
+// A type id is a signed byte. The current table holds the ids below KtTYPE_COUNT, the legacy table those below
+// KtLEGACY_TYPE_COUNT. Ids of 100 and more, and every other id outside the table in use, act as the illegal descriptor
+// (id 40).
 #ifndef KTTYPDSC_H
 #define KTTYPDSC_H
 

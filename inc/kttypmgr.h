@@ -11,8 +11,8 @@ struct KtEvalData;
 
 // KtTypeMgr: generic operations on runs of values whose type is known as an id.
 //
-// Range:  ids 0 to 40 (legacy table: 0 to 27); every other id acts as the illegal type: 0, null, 0.0 or the unchanged
-//         output.
+// Range:  ids below KtTYPE_COUNT (legacy table: KtLEGACY_TYPE_COUNT); every other id acts as the illegal type: 0, null,
+//         0.0 or the unchanged output.
 // Null:   SupportsNullValue tells whether a type has a null value; SetNullValue works on every type.
 // Status: no operation throws or asserts; an operation that a type does not offer answers as told beside it.
 // Owner:  a manager holds no resources. What Create, DefaultValue and ConvertFrom return belongs to the caller: Delete
@@ -27,8 +27,8 @@ public:
   void SetFactory(unsigned long version);
 
   // --- types ----------------------------------------------------------------------------------------------------
-  int IsValidType(char id) const;                       // 0 only for ids 41 to 99
-  int Name2KtTypeId(const char* name, char& id) const;  // 0: found, id set. 1: not found, id 41
+  int IsValidType(char id) const;                       // 0 only for ids KtTYPE_COUNT to 99
+  int Name2KtTypeId(const char* name, char& id) const;  // 0: found, id set. 1: not found, id KtTYPE_COUNT
   char* NameGet(char id, char* buffer) const;           // into buffer (16 characters suffice), or the name itself
   unsigned short MemLenGet(char id, unsigned long count) const;  // memory bytes of count values, modulo 65,536
   unsigned short IsFixed(char id) const;

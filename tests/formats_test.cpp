@@ -5,8 +5,11 @@
 
 #include "string_bytes.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -116,6 +119,27 @@ TEST(Formats, documented_examples_are_what_is_stored) {
     mgr.Delete(id, loaded, count);
     mgr.Delete(id, values, count);
   }
+}
+
+// Types that store alike share their examples.
+TEST(Formats, every_type_has_an_example) {
+  const std::set<std::string> elsewhere = {"KtString", "KtIString",   "KtCaseIString",  // string_storage_test.cpp
+                                           "KtDate",   "KtTime",      "KtDateTime",    "d_Date",
+                                           "d_Time",   "d_Timestamp", "d_Interval",  // date_ops_test.cpp
+                                           "illegal"};
+  const std::string nullable = "KtNull_";  // mark and scalar in every one
+  const KtTypeMgr mgr(12);
+  std::set<std::string> guilty;
+  for (int i = 0; i < KtTYPE_COUNT; ++i) {
+    const auto id = static_cast<char>(i);
+    const std::string name = mgr.NameGet(id, nullptr);
+    const auto storesAlike = [&](const Example& example) {
+      return mgr.StorePtrGet(static_cast<char>(example.id)) == mgr.StorePtrGet(id);
+    };
+    if (elsewhere.count(name) != 0 || name.compare(0, nullable.size(), nullable) == 0) continue;
+    if (std::none_of(std::begin(kExamples), std::end(kExamples), storesAlike)) guilty.insert(name);
+  }
+  EXPECT_EQ(guilty, std::set<std::string>{});
 }
 
 TEST(Formats, the_document_shows_the_bytes_of_every_example) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <ostream>
 #include <set>
 #include <string>
@@ -134,6 +135,15 @@ TEST(LawAudit, every_row_has_samples_and_a_null_among_them_where_it_knows_null) 
   sampled.insert("illegal");
   sampled.insert("legacy KtString");
   EXPECT_EQ(guiltyRows([&](const KtTypeDescriptor& row) { return sampled.count(row.Name) == 0; }), Names{});
+}
+
+// fuzz_make_seeds writes all seeds of a row at once: one of them tells.
+TEST(LawAudit, every_row_has_fuzz_seeds) {
+  Names guilty;
+  for (const Row& row : rows()) {
+    if (!std::ifstream(std::string(KT_TESTS_DIR "/../fuzz/corpus/row_load/") + row.stem)) guilty.insert(row.stem);
+  }
+  EXPECT_EQ(guilty, Names{}) << "run fuzz_make_seeds fuzz/corpus";
 }
 
 TEST(LawAudit, no_mandatory_operation_is_missing_and_no_text_operation_is_alone) {

@@ -22,6 +22,7 @@
 #include <ktbs.h>
 
 #include <array>
+#include <iterator>
 
 // The rows are complete as soon as the library is loaded, before any code runs; where the loader does not resolve
 // addresses in data, they are filled first thing at start.
@@ -185,7 +186,7 @@ constexpr KtTypeDescriptor intervalRow() {
 }
 
 // The rows by id. Their Compare, Format, PrintToKtString and ScanFromKtString can be exchanged at run time.
-KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
+KT_LOADED KtTypeDescriptor rows[] = {
     /*  0 */ charRow(),
     /*  1 */ shortRow(),
     /*  2 */ longRow(),
@@ -228,6 +229,7 @@ KT_LOADED KtTypeDescriptor rows[KtTYPE_COUNT] = {
     /* 39 */ rowOf<SealOps>("KtSeal", sizeof(KtSeal), "noop"),
     /* 40 */ rowOf<IllegalOps>("illegal", 0, "illegal"),
 };
+static_assert(std::size(rows) == KtTYPE_COUNT, "each id of KtTypeId has one row, at its place");
 
 // The legacy table's own string row: the older disk form, and no null value.
 KT_LOADED KtTypeDescriptor legacyStringRow = stringRow<LegacyStringOps>("KtString");
