@@ -14,7 +14,8 @@ struct KtEvalData;
 // Range:  ids below KtTYPE_COUNT (legacy table: KtLEGACY_TYPE_COUNT); every other id acts as the illegal type: 0, null,
 //         0.0 or the unchanged output.
 // Null:   SupportsNullValue tells whether a type has a null value; SetNullValue works on every type.
-// Status: no operation throws or asserts; an operation that a type does not offer answers as told beside it.
+// Status: no operation throws or asserts. Results and status are those that kttypdsc.h and kttypops.h tell of the row's
+//         operation; where a type does not offer it: 0, null, or what is told beside it.
 // Owner:  a manager holds no resources. What Create, DefaultValue and ConvertFrom return belongs to the caller: Delete
 //         with the same id and count. What ConvertTo returns: delete the holder.
 // Threads: operations are pure but for the Exchange functions, SetNullPrintString and DefaultTypeMgr, which change

@@ -6,7 +6,8 @@
 namespace kt {
 namespace {
 
-// Steps of the last digit.
+// What one key measures, and so all that "equal" selects: next to nothing of a wide range, since how often a value occurs
+// is not known here. A share is a quotient: the unit cancels out of it.
 constexpr double kByteUnit = 128;
 constexpr double kOrderUnit = 1048576;
 
