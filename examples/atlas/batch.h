@@ -5,15 +5,17 @@
 #include "block.h"
 #include "index.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 namespace atlas {
 
-// The new entries of one index.
+// The new entries of one index. Values repeat and comparing them is dear, so entries are first brought together by the
+// bytes of their keys, and then only the different keys are compared.
 class EntryBatch {
 public:
-  // Adds the key of a stored value, and the id.
+  // Adds the key of a stored value, and the id. Ids rise.
   void add(char type, Bytes stored, ObjId id);
   bool isEmpty() const { return entries_.empty(); }
   unsigned long bytes() const { return used_; }
@@ -23,21 +25,26 @@ public:
 private:
   // A key in bytes_, with the stored object id behind it.
   struct Entry {
-    std::size_t at;
-    unsigned long keySize;
+    std::uint64_t rank;  // equal for keys of equal bytes; of short keys nearly in the order of the type
+    std::uint32_t at;    // in bytes_, in the order of the ids
+    std::uint32_t keySize;
   };
-  // Entries of one key.
+  // Entries whose keys are equal.
   struct Group {
-    MDB_val key;
-    std::size_t first;  // in sorted order
-    std::size_t count;
+    std::size_t first;  // in entries_
+    std::size_t end;
   };
   MDB_val keyOf(const Entry& entry) { return {entry.keySize, bytes_.data() + entry.at}; }
+  MDB_val keyOf(const Group& group) { return keyOf(entries_[group.first]); }
   Bytes idOf(const Entry& entry) const { return {bytes_.data() + entry.at + entry.keySize, kStoredObjId}; }
-  void sort(MDB_cmp_func* order);
-  void putGroup(Cursor& cursor, std::size_t first, std::size_t end, bool append);
+  bool hasSameBytes(const Entry& a, const Entry& b) const;
+  void sortByRank();
+  void group();
+  void sortGroups(MDB_cmp_func* order);
+  void put(Cursor& cursor, const Entry* first, const Entry* end, bool append);
 
   std::vector<Entry> entries_;
+  std::vector<Group> groups_;
   Buffer bytes_;
   std::size_t used_ = 0;
   Buffer ids_;  // of a group, side by side

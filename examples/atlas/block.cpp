@@ -2,6 +2,7 @@
 
 #include "error.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace atlas {
@@ -11,11 +12,11 @@ namespace {
 constexpr unsigned long kClassAt = 0, kClassBytes = 2;
 constexpr unsigned long kFirstAt = 2, kFirstBytes = 6;
 constexpr unsigned long kCountAt = 8, kCountBytes = 2;
-constexpr unsigned long kHeader = 10;
-constexpr unsigned long kEntry = 2;
+constexpr unsigned long kWidthAt = 10, kWidthBytes = 1;
+constexpr unsigned long kHeader = 11;
 
-// Two of them, with their keys and what LMDB keeps beside them, fill a page of 4,096 bytes.
-constexpr unsigned long kMostBytes = 2020;
+// DISK: decides which objects share a block. With LMDB's header these bytes fill four pages of 4,096 bytes.
+constexpr unsigned long kMostBytes = 16368;
 
 void put(unsigned char* at, std::uint64_t number, unsigned long bytes) {
   for (unsigned long i = 0; i < bytes; ++i) at[i] = static_cast<unsigned char>(number >> 8 * i);
@@ -31,7 +32,10 @@ std::uint64_t take(const unsigned char* at, unsigned long bytes) {
   throw Error(kExitBroken, "block " + std::to_string(id) + " is damaged");
 }
 
-unsigned long headerSize(unsigned long count) { return kHeader + kEntry * (count - 1); }
+unsigned long headerSize(unsigned long count, unsigned long width) { return kHeader + width * (count - 1); }
+
+// Of a size in the table; the largest that fits a block needs two bytes.
+unsigned long widthOf(unsigned long size) { return size > 0xFF ? 2 : 1; }
 
 }  // namespace
 
@@ -52,32 +56,39 @@ Block::Block(unsigned long id, Bytes bytes) : id_(id), bytes_(bytes) {
   if (bytes.size < kHeader) throwDamaged(id);
   first_ = take(bytes.data + kFirstAt, kFirstBytes);
   count_ = static_cast<unsigned>(take(bytes.data + kCountAt, kCountBytes));
-  if (count_ == 0 || headerSize(count_) > bytes.size) throwDamaged(id);
+  width_ = bytes.data[kWidthAt];
+  const bool isWidth = width_ == 1 || width_ == 2;
+  if (count_ == 0 || !isWidth || headerSize(count_, width_) > bytes.size) throwDamaged(id);
 }
 
 unsigned Block::classNumber() const { return static_cast<unsigned>(take(bytes_.data + kClassAt, kClassBytes)); }
 
-unsigned long Block::begin(unsigned i) const {
-  if (i == count_) return bytes_.size;
-  const unsigned long offset = i == 0 ? 0 : static_cast<unsigned long>(take(bytes_.data + headerSize(i), kEntry));
-  return headerSize(count_) + offset;
+unsigned long Block::size(unsigned i) const {
+  const unsigned char* const sizes = bytes_.data + kHeader;
+  return width_ == 1 ? sizes[i] : static_cast<unsigned long>(take(sizes + width_ * i, width_));
 }
 
 Bytes Block::object(unsigned i) const {
-  const unsigned long from = begin(i), to = begin(i + 1);
-  if (i >= count_ || from > to || to > bytes_.size) throwDamaged(id_);
-  return {bytes_.data + from, to - from};
+  if (i >= count_) throwDamaged(id_);
+  unsigned long from = headerSize(count_, width_);
+  for (unsigned before = 0; before < i; ++before) from += size(before);
+  if (from > bytes_.size) throwDamaged(id_);
+  const unsigned long size = i + 1 < count_ ? this->size(i) : bytes_.size - from;
+  if (size > bytes_.size - from) throwDamaged(id_);
+  return {bytes_.data + from, size};
 }
 
 void BlockBuilder::begin(const ClassSchema& cls, ObjectNumber first) {
   class_ = &cls;
   first_ = first;
-  begins_.clear();
+  sizes_.clear();
+  width_ = 1;
   used_ = 0;
 }
 
 bool BlockBuilder::fits(unsigned long size) const {
-  return isEmpty() || headerSize(begins_.size() + 1) + used_ + size <= kMostBytes;
+  const unsigned long width = std::max(width_, widthOf(size));
+  return isEmpty() || headerSize(sizes_.size() + 1, width) + used_ + size <= kMostBytes;
 }
 
 unsigned char* BlockBuilder::room(unsigned long size) {
@@ -86,18 +97,20 @@ unsigned char* BlockBuilder::room(unsigned long size) {
 }
 
 void BlockBuilder::accept(unsigned long size) {
-  begins_.push_back(used_);
+  sizes_.push_back(size);
+  width_ = std::max(width_, widthOf(size));
   used_ += size;
 }
 
-unsigned long BlockBuilder::storedSize() const { return headerSize(begins_.size()) + used_; }
+unsigned long BlockBuilder::storedSize() const { return headerSize(sizes_.size(), width_) + used_; }
 
 void BlockBuilder::storeAt(unsigned char* where) const {
   put(where + kClassAt, class_->number, kClassBytes);
   put(where + kFirstAt, first_, kFirstBytes);
-  put(where + kCountAt, begins_.size(), kCountBytes);
-  for (std::size_t i = 1; i < begins_.size(); ++i) put(where + headerSize(i), begins_[i], kEntry);
-  std::memcpy(where + headerSize(begins_.size()), bytes_.data(), used_);
+  put(where + kCountAt, sizes_.size(), kCountBytes);
+  put(where + kWidthAt, width_, kWidthBytes);
+  for (std::size_t i = 0; i + 1 < sizes_.size(); ++i) put(where + headerSize(i + 1, width_), sizes_[i], width_);
+  std::memcpy(where + headerSize(sizes_.size(), width_), bytes_.data(), used_);
 }
 
 }  // namespace atlas

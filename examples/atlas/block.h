@@ -3,7 +3,8 @@
 //   0   2  class number                                    All numbers little-endian.
 //   2   6  number of the first object
 //   8   2  count, 1 and more
-//  10   2  for each object but the first: where it begins, counted from the end of this table
+//  10   1  bytes of a size in the table that follows: 1 or 2
+//  11   -  the size of each object but the last
 //       -  the objects, each its fields back to back
 #ifndef EXAMPLES_ATLAS_BLOCK_H
 #define EXAMPLES_ATLAS_BLOCK_H
@@ -37,12 +38,13 @@ public:
   Bytes object(unsigned i) const;  // throws Error(kExitBroken) where the table leads outside
 
 private:
-  unsigned long begin(unsigned i) const;
+  unsigned long size(unsigned i) const;
 
   unsigned long id_ = 0;
   Bytes bytes_;
   ObjectNumber first_ = 0;
   unsigned count_ = 0;
+  unsigned long width_ = 1;  // of a size
 };
 
 // A block in the making.
@@ -50,9 +52,9 @@ class BlockBuilder {
 public:
   // Begins an empty block.
   void begin(const ClassSchema& cls, ObjectNumber first);
-  bool isEmpty() const { return begins_.empty(); }
+  bool isEmpty() const { return sizes_.empty(); }
   const ClassSchema* cls() const { return class_; }
-  ObjectNumber next() const { return first_ + begins_.size(); }
+  ObjectNumber next() const { return first_ + sizes_.size(); }
   // Whether an object of so many bytes may be added; an empty block takes any.
   bool fits(unsigned long size) const;
   // Room for an object of `size` bytes; added when accept() is called.
@@ -65,7 +67,8 @@ public:
 private:
   const ClassSchema* class_ = nullptr;
   ObjectNumber first_ = 0;
-  std::vector<unsigned long> begins_;
+  std::vector<unsigned long> sizes_;
+  unsigned long width_ = 1;
   Buffer bytes_;  // of which used_ are taken
   unsigned long used_ = 0;
 };

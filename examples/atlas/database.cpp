@@ -1,5 +1,6 @@
 #include "database.h"
 
+#include "block_cache.h"
 #include "comparators.h"
 #include "meta.h"
 
@@ -11,13 +12,6 @@ namespace {
 
 constexpr unsigned long long kDefaultMapSize = 4ULL << 30;
 constexpr char kObjectsTree[] = "objects";  // DISK
-
-Buffer blockKey(unsigned long number) {
-  Buffer key(sizeof(BlockId));
-  BlockId block = static_cast<BlockId>(number);
-  manager().Store(KT_ID_BlockId, key.data(), &block, kStored, 1);
-  return key;
-}
 
 unsigned long blockNumber(const MDB_val& key) {
   BlockId block = 0;
@@ -48,10 +42,10 @@ struct Database::Parts {
   std::vector<std::unique_ptr<Index>> indexes;
   Counters counters;
   std::optional<Batch> batch;
-  Block recent;  // the block that was read last, where nothing can change it
-  unsigned long recentId = 0;
+  std::optional<BlockCache> cache;  // where nothing can change a block
 
-  bool findBlock(unsigned long id);
+  bool findBlock(unsigned long id, Block& block);
+  bool readBlock(unsigned long id, Block& block) const;
   void describe(const Schema& wanted, const OpenOptions& options);
   void recognise(const OpenOptions& options);
   void openTrees(const Database& database);
@@ -109,6 +103,7 @@ void Database::Parts::openTrees(const Database& database) {
     }
   }
   batch.emplace(txn, objects, indexes);
+  if (txn.readOnly()) cache.emplace();
 }
 
 Database::Database(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
@@ -149,23 +144,30 @@ const std::vector<std::unique_ptr<Index>>& Database::indexes() const { return pa
 
 unsigned long long Database::count(const ClassSchema& cls) const { return parts_->counters.objects[cls.place]; }
 
-bool Database::Parts::findBlock(unsigned long id) {
-  if (txn.readOnly() && id == recentId && id != 0) return true;
+bool Database::Parts::findBlock(unsigned long id, Block& block) {
+  if (!cache) return readBlock(id, block);
+  if (const Block* known = cache->find(id)) {
+    block = *known;
+    return true;
+  }
+  if (!readBlock(id, block)) return false;
+  cache->keep(id, block);
+  return true;
+}
+
+bool Database::Parts::readBlock(unsigned long id, Block& block) const {
   unsigned char key[sizeof(BlockId)];
   auto number = static_cast<BlockId>(id);
   manager().Store(KT_ID_BlockId, key, &number, kStored, 1);
   MDB_val keyVal = valOf(Bytes(key, sizeof key)), data;
   if (mdb_get(txn.get(), objects, &keyVal, &data) != MDB_SUCCESS) return false;
-  recentId = 0;
-  recent = Block(id, bytesOf(data));
-  recentId = id;
+  block = Block(id, bytesOf(data));
   return true;
 }
 
-// Objects that are near each other in an index are often near in the file.
 std::optional<Record> Database::find(ObjId id) const {
-  if (!parts_->findBlock(id.block)) return std::nullopt;
-  const Block& block = parts_->recent;
+  Block block;
+  if (!parts_->findBlock(id.block, block)) return std::nullopt;
   const ClassSchema* cls = schema().byNumber(block.classNumber());
   if (!block.holds(numberOf(id)) || cls == nullptr) return std::nullopt;
   return Record(*cls, id, block.object(static_cast<unsigned>(numberOf(id) - block.first())));
@@ -182,10 +184,8 @@ ObjId Database::idOf(unsigned long long number) const {
   unsigned long low = 1, high = parts_->counters.nextBlock;
   while (low < high) {
     const unsigned long middle = low + (high - low) / 2;
-    const Buffer key = blockKey(middle);
-    MDB_val keyVal = valOf(key), data;
-    if (mdb_get(parts_->txn.get(), parts_->objects, &keyVal, &data) != MDB_SUCCESS) return {};
-    const Block block(middle, bytesOf(data));
+    Block block;
+    if (!parts_->readBlock(middle, block)) return {};
     if (block.holds(number)) return objIdOf(number, middle);
     (number < block.first() ? high : low) = number < block.first() ? middle : middle + 1;
   }

@@ -10,7 +10,7 @@
 namespace atlas {
 
 constexpr char kMetaTree[] = "meta";          // DISK
-constexpr char kFormatVersion[] = "atlas 1";  // DISK: changes when the layout of any stored byte does
+constexpr char kFormatVersion[] = "atlas 2";  // DISK: changes when the layout of any stored byte does
 
 class Meta {
 public:

@@ -129,10 +129,7 @@ void readLine(std::vector<ClassSchema>& classes, const Words& words) {
 
 }  // namespace
 
-KtTypeMgr& manager() {
-  static KtTypeMgr instance(kTableVersion);
-  return instance;
-}
+KtTypeMgr theManager(kTableVersion);
 
 const Field* ClassSchema::find(const std::string& fieldName) const {
   const auto found = std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == fieldName; });

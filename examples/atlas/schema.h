@@ -21,8 +21,10 @@
 
 namespace atlas {
 
-// The manager of all that atlas does.
-KtTypeMgr& manager();
+// The manager of all that atlas does. Asked for every comparison, so there is no "was it made already?" in it; it is not
+// for the constructors of other global objects.
+extern KtTypeMgr theManager;
+inline KtTypeMgr& manager() { return theManager; }
 
 // DISK: the format code of every stored value. Little-endian, because identities are ordered rightly only so.
 constexpr unsigned char kStored = 0;

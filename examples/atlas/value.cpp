@@ -4,7 +4,7 @@
 #include "reading.h"
 
 #include <array>
-#include <map>
+#include <optional>
 #include <utility>
 
 namespace atlas {
@@ -30,9 +30,10 @@ Probes makeProbes(char type) {
 }
 
 const Probes& probesOf(char type) {
-  static std::map<char, Probes> all;
-  const auto found = all.find(type);
-  return found != all.end() ? found->second : all.emplace(type, makeProbes(type)).first->second;
+  static std::array<std::optional<Probes>, 256> all;
+  std::optional<Probes>& probes = all[static_cast<unsigned char>(type)];
+  if (!probes) probes = makeProbes(type);
+  return *probes;
 }
 
 }  // namespace
