@@ -54,6 +54,7 @@ ObjId loadObjId(Bytes stored) {
 
 Block::Block(unsigned long id, Bytes bytes) : id_(id), bytes_(bytes) {
   if (bytes.size < kHeader) throwDamaged(id);
+  class_ = static_cast<unsigned>(take(bytes.data + kClassAt, kClassBytes));
   first_ = take(bytes.data + kFirstAt, kFirstBytes);
   count_ = static_cast<unsigned>(take(bytes.data + kCountAt, kCountBytes));
   width_ = bytes.data[kWidthAt];
@@ -61,17 +62,27 @@ Block::Block(unsigned long id, Bytes bytes) : id_(id), bytes_(bytes) {
   if (count_ == 0 || !isWidth || headerSize(count_, width_) > bytes.size) throwDamaged(id);
 }
 
-unsigned Block::classNumber() const { return static_cast<unsigned>(take(bytes_.data + kClassAt, kClassBytes)); }
-
 unsigned long Block::size(unsigned i) const {
   const unsigned char* const sizes = bytes_.data + kHeader;
   return width_ == 1 ? sizes[i] : static_cast<unsigned long>(take(sizes + width_ * i, width_));
 }
 
+// A short run of bytes, added up many at a time.
+unsigned long Block::sizesBefore(unsigned i) const {
+  unsigned sum = 0;
+  const unsigned char* const sizes = bytes_.data + kHeader;
+  if (width_ == 1) {
+    for (unsigned before = 0; before < i; ++before) sum += sizes[before];
+  } else {
+    for (unsigned before = 0; before < i; ++before) sum += static_cast<unsigned>(size(before));
+  }
+  return sum;
+}
+
 Bytes Block::object(unsigned i) const {
   if (i >= count_) throwDamaged(id_);
   unsigned long from = headerSize(count_, width_);
-  for (unsigned before = 0; before < i; ++before) from += size(before);
+  from += sizesBefore(i);
   if (from > bytes_.size) throwDamaged(id_);
   const unsigned long size = i + 1 < count_ ? this->size(i) : bytes_.size - from;
   if (size > bytes_.size - from) throwDamaged(id_);

@@ -30,7 +30,7 @@ public:
   Block() = default;
   Block(unsigned long id, Bytes bytes);  // throws Error(kExitBroken) when the bytes are no block
 
-  unsigned classNumber() const;
+  unsigned classNumber() const { return class_; }
   unsigned count() const { return count_; }
   ObjectNumber first() const { return first_; }
   bool holds(ObjectNumber number) const { return number >= first_ && number - first_ < count_; }
@@ -39,9 +39,11 @@ public:
 
 private:
   unsigned long size(unsigned i) const;
+  unsigned long sizesBefore(unsigned i) const;
 
   unsigned long id_ = 0;
   Bytes bytes_;
+  unsigned class_ = 0;
   ObjectNumber first_ = 0;
   unsigned count_ = 0;
   unsigned long width_ = 1;  // of a size

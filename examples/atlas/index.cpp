@@ -156,7 +156,12 @@ bool IndexScan::nextCut(MDB_val& key, MDB_val& data) {
   return false;
 }
 
-bool IndexScan::isBeyond(Bytes key) const { return !high_.empty() && index_->compareKeys(key, high_) > 0; }
+// The next id under the key that was compared last is not compared again.
+bool IndexScan::isBeyond(Bytes key) const {
+  if (high_.empty()) return false;
+  const bool isSameKey = index_->txn_->readOnly() && key.data == key_.data && key.size == key_.size;
+  return !isSameKey && index_->compareKeys(key, high_) > 0;
+}
 
 bool IndexScan::next() {
   MDB_val key, data;
