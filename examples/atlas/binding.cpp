@@ -67,8 +67,8 @@ const ClassSchema& classOf(const Database& database, const std::string& text, co
   const std::vector<const ClassSchema*> found = classesWith(database, fields);
   if (found.size() == 1) return *found[0];
   if (found.empty()) throw Mistake("no class has all of the fields " + listed(fields));
-  std::vector<std::string> names;
-  for (const ClassSchema* cls : found) names.push_back(cls->name);
+  std::vector<std::string> names(found.size());
+  std::transform(found.begin(), found.end(), names.begin(), [](const ClassSchema* cls) { return cls->name; });
   throw Mistake("several classes have " + listed(fields) + "; choose one by --class: " + listed(names));
 }
 
@@ -222,7 +222,7 @@ Answer answer(const BoundComparison& comparison, char type, Bytes stored, bool i
   return Answer::kUnknown;
 }
 
-Judge::Judge(const ClassSchema& cls) : class_(&cls) {
+Judge::Judge(const ClassSchema& cls) {
   for (const Field& field : cls.fields) values_.emplace_back(field.type);
 }
 

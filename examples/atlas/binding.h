@@ -62,7 +62,6 @@ public:
   Answer answerOf(const BoundComparison& comparison, const Record& record);
 
 private:
-  const ClassSchema* class_;
   std::vector<Value> values_;
 };
 
