@@ -6,17 +6,17 @@
 namespace atlas {
 namespace {
 
-template <int Id>
+template <int kId>
 int compareKeys(const MDB_val* a, const MDB_val* b) {
   int status = 0;
-  const long result = manager().Cmp(static_cast<char>(Id), a->mv_size, a->mv_data, b->mv_size, b->mv_data, kKeyOptions,
+  const long result = manager().Cmp(static_cast<char>(kId), a->mv_size, a->mv_data, b->mv_size, b->mv_data, kKeyOptions,
                                     1, kStoredKey, status);
   return (result > 0) - (result < 0);  // a long may not fit an int
 }
 
-template <int... Ids>
-constexpr std::array<MDB_cmp_func*, sizeof...(Ids)> makeTable(std::integer_sequence<int, Ids...>) {
-  return {&compareKeys<Ids>...};
+template <int... kIds>
+constexpr std::array<MDB_cmp_func*, sizeof...(kIds)> makeTable(std::integer_sequence<int, kIds...>) {
+  return {&compareKeys<kIds>...};
 }
 
 constexpr auto kTable = makeTable(std::make_integer_sequence<int, KtTYPE_COUNT>());

@@ -61,6 +61,7 @@ std::vector<double> actualSelectivity(const Database& database, const ClassSchem
     }
   }
   std::vector<double> parts;
+  parts.reserve(matches.size());
   for (const unsigned long long count : matches) {
     parts.push_back(objects == 0 ? 0 : static_cast<double>(count) / static_cast<double>(objects));
   }

@@ -61,6 +61,7 @@ private:
   static constexpr std::size_t kPart = 1000;
   static std::vector<std::string> names(const ClassSchema& cls, const std::vector<std::size_t>& fields) {
     std::vector<std::string> names;
+    names.reserve(fields.size());
     for (const std::size_t field : fields) names.push_back(cls.fields[field].name);
     return names;
   }
