@@ -137,7 +137,8 @@ constexpr double kLegendLine = 20;
 
 void legend(std::string& out, const Scatter& scatter) {
   for (std::size_t i = 0; i < scatter.series.size(); ++i) {
-    const double x = 80 + static_cast<double>(i % 3) * 340, y = kLegendTop + static_cast<double>(i / 3) * kLegendLine;
+    const std::size_t line = i / 3, column = i % 3;
+    const double x = 80 + static_cast<double>(column) * 340, y = kLegendTop + static_cast<double>(line) * kLegendLine;
     mark(out, i, x, y - 4, "");
     append(out, "<text x=\"%.1f\" y=\"%.1f\">%s <tspan class=\"error\">mean error %.4f</tspan></text>\n", x + 12, y,
            xmlText(scatter.series[i]).c_str(), meanAbsoluteError(scatter, i));

@@ -292,7 +292,9 @@ TEST_F(Query, joins_by_three_valued_logic) {
     std::string text = leaf();
     for (unsigned joins = 1 + random() % 4; joins != 0; --joins) {
       const char* const kJoints[] = {" and ", " and ", " or ", " and not "};
-      text = (random() % 3 == 0 ? "not (" : "(") + text + ")" + kJoints[random() % 4] + leaf();
+      std::string joined = random() % 3 == 0 ? "not (" : "(";
+      joined.append(text).append(")").append(kJoints[random() % 4]).append(leaf());
+      text = joined;
     }
     EXPECT_EQ(found(text), wanted(rows_, text)) << text;
   }
