@@ -48,7 +48,9 @@ std::string wordsText(Bytes key) {
     if (!isFiller(key.data + at)) text += characterOf(key.data + at);
   }
   const bool isCut = key.size >= kEnd && key.data[key.size - 2] == 0xFF;
-  return std::string("\"") + utf8Of(text) + "\"" + (isCut ? "..." : "");
+  std::string quoted(1, '"');
+  quoted.append(utf8Of(text)).append(isCut ? "\"..." : "\"");
+  return quoted;
 }
 
 }  // namespace

@@ -35,13 +35,6 @@ bool fitsLatin1(const KtString& text) {
 
 }  // namespace
 
-std::string utf8Of(const KtString& text) {
-  std::string utf8(static_cast<std::size_t>(text.Len()) * 3 + 1, '\0');
-  const long bytes = KtString2KtMBS(text, utf8.data(), static_cast<long>(utf8.size()));
-  utf8.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
-  return utf8;
-}
-
 KtString stringOf(std::string_view utf8, unsigned char language) {
   if (utf8.size() > kLongestText) throw Mistake("the text is longer than 32,767 bytes");
   if (isAscii(utf8)) {

@@ -2,6 +2,7 @@
 #ifndef EXAMPLES_ATLAS_VALUE_H
 #define EXAMPLES_ATLAS_VALUE_H
 
+#include "../common/utf8.h"
 #include "schema.h"
 
 #include <cstddef>
@@ -75,9 +76,10 @@ unsigned long storedLength(char type, Bytes run, unsigned char form = kStored);
 // (A date with a field of -1 has one: wildcards are off in every order here, and stored values are what is compared.)
 bool hasPlace(char type, Bytes stored);
 
-// UTF-8 of a string of any code set, and the reverse: an 8-bit string where all characters are in code set 1, else
-// Unicode. Throws Mistake for what is not UTF-8 of 16-bit characters.
-std::string utf8Of(const KtString& text);
+using examples::utf8Of;
+
+// The reverse: an 8-bit string where all characters are in code set 1, else Unicode. Throws Mistake for what is not
+// UTF-8 of 16-bit characters.
 KtString stringOf(std::string_view utf8, unsigned char language);
 
 // Languages of texts by name, e.g. "swedish". Throws Mistake with the names there are.

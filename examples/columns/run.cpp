@@ -1,5 +1,7 @@
 #include "run.h"
 
+#include "../common/utf8.h"
+
 #include <stdexcept>
 
 namespace {
@@ -8,13 +10,6 @@ constexpr unsigned char kUnicode = 253;
 constexpr unsigned char kNeutral = 0;
 
 }  // namespace
-
-std::string utf8Of(const KtString& text) {
-  std::string utf8(static_cast<std::size_t>(text.Len()) * 3 + 1, '\0');
-  const long bytes = KtString2KtMBS(text, utf8.data(), static_cast<long>(utf8.size()));
-  utf8.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
-  return utf8;
-}
 
 void Run::set(unsigned long i, const std::string& utf8, unsigned char language, const char* format) {
   if (utf8.empty()) {
@@ -40,7 +35,7 @@ void Run::convert(unsigned long i, const std::string& text) {
 
 std::string Run::text(unsigned long i, const char* format) const {
   KtString out(kUnicode, kNeutral);  // an 8-bit string would lose what its code set lacks
-  return utf8Of(mgr_.PrintToKtString(id_, out, at(i), format, 1));
+  return examples::utf8Of(mgr_.PrintToKtString(id_, out, at(i), format, 1));
 }
 
 unsigned long Run::nulls() const {

@@ -39,7 +39,4 @@ private:
   void* values_;
 };
 
-// UTF-8 of a string of any code set.
-std::string utf8Of(const KtString& text);
-
 #endif
