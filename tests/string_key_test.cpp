@@ -257,6 +257,40 @@ TEST(StringKey, cut_keys_say_when_they_cannot_decide) {
   EXPECT_EQ(status, KtERR_OVERRUN);
 }
 
+// One key against one takes a short way; the first of a run of two takes none.
+TEST(StringKey, single_keys_compare_as_the_first_of_a_run_does) {
+  std::mt19937 random(11);
+  const std::u16string pool = u"aaaaabAB -\u00E4\u00C4\u00E6\u0103";  // a blank, a sign, accents, several orders
+  constexpr unsigned char kLanguages[] = {1, 1, 1, 2, 5, 20, 254};
+  const auto made = [&](const std::u16string& text, unsigned char format) {
+    const unsigned char set = random() % 8 == 0 ? 0 : random() % 2 == 0 ? 1 : 253;
+    const KtString s = makeString(text, set, kLanguages[random() % std::size(kLanguages)]);
+    Bytes key = keyOf(s, format, 6 + random() % 60);
+    if (random() % 8 == 0) key[2 + random() % (key.size() - 2)] = static_cast<unsigned char>(random());
+    return key;
+  };
+  const auto twice = [](Bytes key) {
+    const Bytes copy = key;
+    key.insert(key.end(), copy.begin(), copy.end());
+    return Block(key);
+  };
+  for (int i = 0; i < 40000; ++i) {
+    std::u16string a;
+    for (std::size_t n = random() % 12; n != 0; --n) a += pool[random() % pool.size()];
+    std::u16string b = a.substr(0, random() % 14);
+    for (std::size_t n = random() % 3; n != 0; --n)
+      b.insert(random() % (b.size() + 1), 1, pool[random() % pool.size()]);
+    const unsigned char format = static_cast<unsigned char>(0x80 + random() % 3);
+    const Bytes x = made(a, format), y = made(b, format);
+    const Block xx = twice(x), yy = twice(y);
+    for (const unsigned short op : Operators{0x10, 0x30, 0x70, 0x290, 0x2F0, 0x100, 0}) {
+      Outcome ofRun{0, 0};
+      ofRun.result = static_cast<int>(StringCompare(format, xx.size, xx.get(), yy.size, yy.get(), op, 2, ofRun.status));
+      ASSERT_EQ(compareKeyBytes(x, y, op, format), ofRun) << i << " " << op;
+    }
+  }
+}
+
 // A key whose bytes somebody cut off counts as cut, at whatever byte.
 TEST(StringKey, a_key_longer_than_its_run_counts_as_cut) {
   const Bytes whole = keyOf(makeString(u"abc", 1, 1));

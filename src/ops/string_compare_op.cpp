@@ -55,11 +55,13 @@ long compareKeyPair(const IndexKey& a, const IndexKey& b, unsigned cmpOp, int& s
   return order.result;
 }
 
+constexpr bool isKeyForm(unsigned char format) { return !isMemoryForm(format) && (format & kIndexKeyForm) != 0; }
+
 template <class Kind>
 [[gnu::noinline]] long compareMany(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                                    unsigned cmpOp, unsigned long count, int& status) {
   status = 0;
-  if (!isMemoryForm(format) && (format & kIndexKeyForm) != 0) {
+  if (isKeyForm(format)) {
     return compareStringRuns(
         KeyRun(a, lengthA, format), KeyRun(b, lengthB, format), count, status,
         [&](const IndexKey& x, const IndexKey& y) { return compareKeyPair<Kind>(x, y, cmpOp, status); });
@@ -102,6 +104,11 @@ template <class Kind>
   const unsigned cmpOp = Kind::cmpOp(options);
   if (count == 1 && isPlainOperator(cmpOp)) {
     status = 0;
+    KeyOrder order;
+    if (isKeyForm(format) && decideKeysByLetters(a, lengthA, b, lengthB, format, cmpOp, order)) {
+      if (!order.isDecided) status = KtERR_OVERRUN;
+      return order.result;
+    }
     if (format == kMemoryForm && holdsTwo(lengthA, lengthB, sizeof(KtString))) {
       const auto& x = *static_cast<const KtString*>(a);
       const auto& y = *static_cast<const KtString*>(b);

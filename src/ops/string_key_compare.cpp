@@ -25,6 +25,8 @@ KeyOrder compareBodies(const IndexKey& a, const IndexKey& b) {
   return orderOfEnds(a, b, a.bytes > common, b.bytes > common);
 }
 
+bool differAboveLevels(Weight k1, Weight k2) { return ((k1 ^ k2) & ~kLevelMask) != 0; }
+
 struct KeyPair {
   const IndexKey& a;
   const IndexKey& b;
@@ -61,7 +63,7 @@ KeyOrder compareLevels(const KeyPair& keys, unsigned cmpOp, A x, B y) {
     if (k1 == 0 || k2 == 0) return levelsAtEnd(keys, differences, cmpOp, k1, k2);
     if (k1 == k2) continue;
     // Damaged words may lie further apart than a difference can tell.
-    if (((k1 ^ k2) & ~kLevelMask) != 0) return {k1 < k2 ? -1 : 1, true};
+    if (differAboveLevels(k1, k2)) return {k1 < k2 ? -1 : 1, true};
     differences.note(k1, k2);
   }
 }
@@ -72,7 +74,66 @@ KeyOrder compareRaw(const IndexKey& a, const IndexKey& b, unsigned cmpOp) {
   return {signOf(compareTexts(a.rawText(), b.rawText(), cmpOp, -1)), !a.isCut && !b.isCut};
 }
 
+// A key of words that lies within its bytes and is no null.
+struct UsualKey {
+  UsualKey(const void* key, unsigned long room, unsigned char code) : bytes(static_cast<const unsigned char*>(key)) {
+    if (room < kEmptyRecord) return;
+    length = readLength(bytes, code);
+    isUsual = length >= kEmptyLength && length <= room - kLengthBytes && bytes[kCodeSetAt] != 0 &&
+              bytes[kCodeSetAt] != kNullCodeSet && language() != 254;
+  }
+  unsigned char language() const { return bytes[kLanguageAt]; }
+  unsigned long end() const { return kTextAt + ((length - kEmptyLength) & ~(kKeyWord - 1)); }  // of the words
+  bool isCut() const { return bytes[length] != kTextEnd; }
+  Weight word(unsigned long at) const { return loadKeyWord(bytes + at); }
+
+  const unsigned char* bytes;
+  unsigned long length = 0;
+  bool isUsual = false;
+};
+
+constexpr unsigned kIgnoreLevels = kIgnoreCase | kIgnoreDiacritics;
+
+bool isLetter(Weight word, Weight significant) { return word >= significant && word < kSeveralOrdersMark; }
+
+// Both keys are alike as far as the shorter one goes.
+bool decideAtEnd(const UsualKey& a, const UsualKey& b, Weight significant, KeyOrder& order) {
+  const unsigned long endA = a.end(), endB = b.end();
+  if (endA == endB) {
+    const bool isDecided = !a.isCut() && !b.isCut();
+    order = {long{a.isCut()} - long{b.isCut()}, isDecided};
+    return true;
+  }
+  const UsualKey& shorter = endA < endB ? a : b;
+  const UsualKey& longer = endA < endB ? b : a;
+  if (!isLetter(longer.word(shorter.end()), significant)) return false;
+  const bool shorterIsLess = !shorter.isCut();
+  order = {shorterIsLess == (endA < endB) ? -1 : 1, !shorter.isCut()};
+  return true;
+}
+
 }  // namespace
+
+// Words that are equal on both sides change nothing, whatever they are: so the first ones that differ decide, if they
+// are letters and differ in more than case and accents.
+bool decideKeysByLetters(const void* keyA, unsigned long roomA, const void* keyB, unsigned long roomB,
+                         unsigned char format, unsigned cmpOp, KeyOrder& order) {
+  const UsualKey a(keyA, knownLength(roomA), lowCode(format)), b(keyB, knownLength(roomB), lowCode(format));
+  if (!a.isUsual || !b.isUsual || a.language() != b.language()) return false;
+  const Weight significant = firstSignificant(collationKind(a.language()));
+  const unsigned long end = std::min(a.end(), b.end());
+  for (unsigned long at = kTextAt; at < end; at += kKeyWord) {
+    const Weight k1 = a.word(at), k2 = b.word(at);
+    if (k1 == k2) continue;
+    if (!isLetter(k1, significant) || !isLetter(k2, significant)) return false;
+    if (differAboveLevels(k1, k2)) {
+      order = {k1 < k2 ? -1 : 1, true};
+      return true;
+    }
+    if ((cmpOp & kIgnoreLevels) != kIgnoreLevels) return false;
+  }
+  return decideAtEnd(a, b, significant, order);
+}
 
 KeyOrder compareKeys(const IndexKey& a, const IndexKey& b, unsigned cmpOp) {
   if (a.isRaw() && b.isRaw()) return compareRaw(a, b, cmpOp);

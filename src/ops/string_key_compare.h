@@ -14,6 +14,12 @@ struct KeyOrder {
 // cmpOp: as of compareTexts. Nulls are the caller's business.
 KeyOrder compareKeys(const IndexKey& a, const IndexKey& b, unsigned cmpOp);
 
+// The quick way for what a B-tree asks: one key against one, under an operator of isPlainOperator. False where the first
+// difference above case and accents, or the end of a key, does not decide, and for keys that are null, raw, damaged or of
+// two languages. room: bytes of the key, 0: unknown.
+bool decideKeysByLetters(const void* keyA, unsigned long roomA, const void* keyB, unsigned long roomB,
+                         unsigned char format, unsigned cmpOp, KeyOrder& order);
+
 }  // namespace kt
 
 #endif
