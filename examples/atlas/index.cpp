@@ -18,11 +18,23 @@ unsigned long keyAt(unsigned char* room, unsigned long most, char type, Bytes by
   return manager().Translate(type, room, kStoredKey, most, bytes.address(), form, bytes.size, 1);
 }
 
-// Whether the order of two keys lies in what was cut off.
-bool isUndecided(char type, Bytes a, Bytes b) {
+struct KeyOrder {
+  long result;
+  bool isDecided;  // false: it lies in what was cut off
+};
+
+KeyOrder orderOf(char type, Bytes a, Bytes b) {
   int status = 0;
-  manager().Cmp(type, a.size, a.address(), b.size, b.address(), kKeyOptions, 1, kStoredKey, status);
-  return status == KtERR_OVERRUN;
+  const long result = manager().Cmp(type, a.size, a.address(), b.size, b.address(), kKeyOptions, 1, kStoredKey, status);
+  return {result, status != KtERR_OVERRUN};
+}
+
+bool isUndecided(char type, Bytes a, Bytes b) { return !orderOf(type, a, b).isDecided; }
+
+// Whether a key, and all that it may have been cut from, comes before another.
+bool isBefore(char type, Bytes a, Bytes b) {
+  const KeyOrder order = orderOf(type, a, b);
+  return order.result < 0 && order.isDecided;
 }
 
 }  // namespace
@@ -94,6 +106,22 @@ bool Index::has(Bytes key, ObjId id) const {
   return cursor.move(MDB_GET_BOTH, keyVal, data);
 }
 
+namespace {
+// Of beginnings this short there are few, so that most searches for them are repeated.
+constexpr std::size_t kLongestNoted = 14;  // bytes
+constexpr std::size_t kMostNoted = 4096;
+
+std::string textOf(const Buffer& key) { return {key.begin(), key.end()}; }
+}  // namespace
+
+bool Index::isMissing(const Buffer& key) const {
+  return key.size() <= kLongestNoted && !missing_.empty() && missing_.count(textOf(key)) != 0;
+}
+
+void Index::noteMissing(const Buffer& key) const {
+  if (key.size() <= kLongestNoted && txn_->readOnly() && missing_.size() < kMostNoted) missing_.insert(textOf(key));
+}
+
 IndexScan::IndexScan(const Index& index, const KtIdxBounds& bounds)
     : index_(&index),
       cursor_(*index.txn_, index.tree_),
@@ -122,38 +150,60 @@ bool IndexScan::firstBefore(MDB_val& key, MDB_val& data) {
   return cursor_.move(MDB_SET_RANGE, key, data);
 }
 
-// The next beginning of the upper bound, as a key that was cut; empty: there is none. A key without its last byte counts
-// as cut behind its last character.
-Buffer IndexScan::nextBeginning() {
+// Makes cut_ the next shorter beginning of the upper bound, as a key that was cut; false: there is none. A key without its
+// last byte counts as cut behind its last character.
+bool IndexScan::shorten() {
   const char type = index_->field().type;
-  if (manager().IsFixed(type) != 0 || room_ == 0) return {};
-  Buffer key(--room_);
-  if (room_ + 1 == high_.size()) {
-    std::memcpy(key.data(), high_.data(), key.size());
-  } else {
-    key.resize(keyAt(key.data(), key.size(), type, high_, kStoredKey));
-    room_ = key.size();
+  if (cut_.empty()) {
+    if (manager().IsFixed(type) != 0 || high_.size() < 2) return false;
+    cut_.assign(high_.begin(), high_.end() - 1);
+    return true;
   }
-  return key;
+  unsigned char shorter[KtINDEX_MAX_KEYLEN];
+  const unsigned long size = keyAt(shorter, cut_.size() - 1, type, cut_, kStoredKey);
+  cut_.assign(shorter, shorter + size);
+  return size != 0;
+}
+
+// Goes to the key that is equal to cut_, if there is one. What stands behind earlier beginnings may tell without a search.
+bool IndexScan::findCut(MDB_val& key, MDB_val& data) {
+  const int order = index_->compareKeys(cut_, behindHigh_);
+  if (order < 0 || (order > 0 && index_->isMissing(cut_))) return false;
+  key = valOf(cut_);
+  const bool found = cursor_.move(MDB_SET_RANGE, key, data);
+  behindHigh_ = found ? bytesOf(key) : Bytes();
+  const bool isThere = found && index_->compareKeys(cut_, behindHigh_) == 0;
+  if (!isThere) index_->noteMissing(cut_);
+  return isThere;
 }
 
 // Keys that are the beginning of the upper bound, cut short of it, stand behind it; values between the bounds may have
 // them. They are looked for one by one, the longest first, which is the order of the keys.
 bool IndexScan::nextCut(MDB_val& key, MDB_val& data) {
-  if (!cut_.empty() && cursor_.move(MDB_NEXT_DUP, key, data)) return true;
-  if (!behind_) room_ = high_.size();
-  behind_ = true;
-  for (Buffer beginning = nextBeginning(); !beginning.empty(); beginning = nextBeginning()) {
-    const bool isNew = cut_.empty() || index_->compareKeys(beginning, cut_) != 0;
-    const bool isAbove = index_->compareKeys(beginning, high_) > 0;
-    const bool isBelow = !low_.empty() && index_->compareKeys(beginning, low_) < 0;
-    if (!isNew || !isAbove || isBelow) continue;
-    cut_ = beginning;
-    key = valOf(cut_);
-    if (cursor_.move(MDB_SET_KEY, key, data)) return true;
+  if (atCut_) {
+    if (cursor_.move(MDB_NEXT_DUP, key, data)) return true;
+    behindHigh_ = cursor_.move(MDB_NEXT_NODUP, key, data) ? bytesOf(key) : Bytes();
+    atCut_ = false;
   }
-  cut_.clear();
+  while (!atCut_ && behindHigh_.data != nullptr && shorten()) atCut_ = findCut(key, data);
+  return atCut_;
+}
+
+// The next entry up to the upper bound.
+bool IndexScan::nextBetween(MDB_val& key, MDB_val& data) {
+  const bool found = started_ ? cursor_.move(MDB_NEXT, key, data) : first(key, data);
+  if (!found || !isBeyond(bytesOf(key))) return found;
+  behindHigh_ = bytesOf(key);
   return false;
+}
+
+// Values under one key are judged once.
+bool IndexScan::isBetween() {
+  if (judged_.data == key_.data && judged_.size == key_.size && index_->txn_->readOnly()) return isBetween_;
+  const char type = index_->field().type;
+  judged_ = key_;
+  isBetween_ = (low_.empty() || isBefore(type, low_, key_)) && (high_.empty() || isBefore(type, key_, high_));
+  return isBetween_;
 }
 
 // The next id under the key that was compared last is not compared again.
@@ -166,12 +216,9 @@ bool IndexScan::isBeyond(Bytes key) const {
 bool IndexScan::next() {
   MDB_val key, data;
   if (ended_) return false;
-  bool found = false;
-  if (!behind_) {
-    found = started_ ? cursor_.move(MDB_NEXT, key, data) : first(key, data);
-    if (found && isBeyond(bytesOf(key))) found = false;
-    if (!found && !high_.empty()) found = nextCut(key, data);
-  } else {
+  bool found = !behind_ && nextBetween(key, data);
+  if (!found) {
+    behind_ = true;
     found = nextCut(key, data);
   }
   ended_ = !found;

@@ -6,6 +6,7 @@
 #include "record.h"
 
 #include <string>
+#include <unordered_set>
 
 namespace atlas {
 
@@ -42,21 +43,25 @@ class Database;
 
 // Walks the entries of an index between two keys, in the order of the keys and, under one key, of the object ids. Every
 // object whose value lies between the bounds, both included, is found, and others may be: keys may be cut, so that values
-// are for the caller to compare again, and so is a bound that excludes its key.
+// are for the caller to compare again, and so is a bound that excludes its key. Nothing may be written meanwhile.
 class IndexScan {
 public:
   // False at the end. The id, and its key, are valid until the next call.
   bool next();
   ObjId id() const { return id_; }
   Bytes key() const { return key_; }
+  // Whether the key tells that the value lies between the bounds and is equal to neither: no need to compare it again.
+  bool isBetween();
 
 private:
   friend class Index;
   IndexScan(const Index& index, const KtIdxBounds& bounds);
   bool first(MDB_val& key, MDB_val& data);
   bool firstBefore(MDB_val& key, MDB_val& data);
-  Buffer nextBeginning();
+  bool nextBetween(MDB_val& key, MDB_val& data);
   bool nextCut(MDB_val& key, MDB_val& data);
+  bool shorten();
+  bool findCut(MDB_val& key, MDB_val& data);
   bool isBeyond(Bytes key) const;
 
   const Index* index_;
@@ -66,10 +71,13 @@ private:
   bool started_ = false;
   bool ended_ = false;
   bool behind_ = false;  // past the upper bound, among keys that are beginnings of it
-  Buffer cut_;           // the one that was looked for last
-  unsigned long room_ = 0;
+  bool atCut_ = false;   // on an entry of such a key
+  Bytes behindHigh_;     // the key behind all that was found or looked for; null: there is none
+  Buffer cut_;           // the beginning that was looked for last
   ObjId id_;
   Bytes key_;
+  Bytes judged_;  // the key that isBetween_ is of
+  bool isBetween_ = false;
 };
 
 class Index {
@@ -96,12 +104,17 @@ private:
   friend class Batch;
   Index() = default;
 
+  // Whether it is known that the index has no such key. Short beginnings of bounds are looked for again and again.
+  bool isMissing(const Buffer& key) const;
+  void noteMissing(const Buffer& key) const;
+
   const Database* database_ = nullptr;
   const ClassSchema* class_ = nullptr;
   std::size_t field_ = 0;
   IndexSettings settings_;
   const Txn* txn_ = nullptr;
   Tree tree_ = 0;
+  mutable std::unordered_set<std::string> missing_;  // only while nothing can change
 };
 
 }  // namespace atlas

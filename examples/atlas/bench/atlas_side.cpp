@@ -122,15 +122,13 @@ std::optional<IndexScan> Atlas::scan(const Query& query) {
 // Calls visit(record) for every hit. The keys of names may be cut, so names are compared again; the upper one is excluded.
 template <class Visit>
 void Atlas::visit(const Query& query, Visit visit) {
-  Value from(KT_ID_KtString), to(KT_ID_KtString);
-  if (query.kind == Kind::kName) {
-    in<KtString>(from) = stringOf(query.from, database_->language());
-    in<KtString>(to) = stringOf(query.to, database_->language());
-  }
-  const Buffer low = from.stored(), high = to.stored();
-  for (auto found = scan(query); found->next();) {
+  auto found = scan(query);
+  const bool isByName = query.kind == Kind::kName;
+  const Buffer low = isByName ? (*low_)[kName].stored() : Buffer(),
+               high = isByName ? (*high_)[kName].stored() : Buffer();
+  while (found->next()) {
     const Record record = database_->get(found->id());
-    if (query.kind == Kind::kName) {
+    if (isByName && !found->isBetween()) {
       const Bytes name = record.fieldBytes(kName);
       if (compare(KT_ID_KtString, name, low) < 0 || compare(KT_ID_KtString, name, high) >= 0) continue;
     }

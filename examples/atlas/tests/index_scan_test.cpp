@@ -59,6 +59,11 @@ protected:
     }
     database_->commit();
   }
+  void reopenForReading() {
+    database_.reset();
+    database_ = Database::openForReading({.file = file(), .mapSize = 0, .language = std::nullopt});
+    cls_ = database_->schema().find("thing");
+  }
   void scan(Draft& draft, std::size_t field, const std::string& text) {
     draft[field].scan(text, cls_->fields[field], database_->language());
   }
@@ -89,6 +94,7 @@ Buffer randomBound(std::mt19937& random, char type, const Buffer& stored) {
 
 TEST_F(IndexScanTest, finds_all_that_lies_between_its_bounds_once) {
   addThings(600);
+  reopenForReading();
   for (const auto& index : database_->indexes()) {
     const char type = index->field().type;
     const std::size_t field = cls_->placeOf(index->field());
@@ -101,6 +107,13 @@ TEST_F(IndexScanTest, finds_all_that_lies_between_its_bounds_once) {
       std::set<std::uint64_t> found;
       for (IndexScan entries = index->scan(bounds); entries.next();) {
         EXPECT_TRUE(found.insert(numberOf(entries.id())).second) << index->name();
+        if (!entries.isBetween()) continue;
+        const Record record = database_->get(entries.id());
+        const Bytes value = record.fieldBytes(field);
+        EXPECT_TRUE(range.first.empty() || compare(type, value, low) > 0)
+            << index->name() << ": " << record.text(field);
+        EXPECT_TRUE(range.last.empty() || compare(type, value, high) < 0)
+            << index->name() << ": " << record.text(field);
       }
       for (ObjectScan objects = database_->objects(); objects.next();) {
         const Record& record = objects.record();
