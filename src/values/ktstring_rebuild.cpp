@@ -145,6 +145,27 @@ char* freshBlock(const KtString& s, const Layout& l) {
   return block;
 }
 
+// Whether the text only becomes longer, by a part from elsewhere.
+bool onlyGrows(const KtString& s, const TextEdit& edit, const Layout& l) {
+  const bool keepsAll = l.head + l.width >= s.bufferSize && l.tail == 0 && !l.gaps;
+  return s.buffer != nullptr && keepsAll && !liesIn(s, edit.source);
+}
+
+// The own block in the size that the text needs: mostly it does not move. Null after the memory handler was called.
+char* grownBlock(KtString& s, const Layout& l) {
+  char* block = static_cast<char*>(std::realloc(s.buffer, blockSize(l.size)));
+  if (block == nullptr) {
+    KtCallMemoryHandler(blockSize(l.size));
+    return nullptr;
+  }
+  return s.buffer = block;
+}
+
+char* blockFor(KtString& s, const TextEdit& edit, const Layout& l, const Part& part) {
+  if (fitsInPlace(s, edit, l, part)) return s.buffer;
+  return onlyGrows(s, edit, l) ? grownBlock(s, l) : freshBlock(s, l);
+}
+
 bool assignByRebuild(KtString& s, const char* source, unsigned char codeSet, unsigned char language,
                      unsigned long count, bool mayHoldZero) {
   const unsigned char oldSet = s.codeSet;
@@ -200,7 +221,7 @@ bool rebuild(KtString& s, const TextEdit& given) {
   if (s.buffer == nullptr && l.size == l.width) return true;
   const Part part(s, edit, l.width);
   const bool note = mayHoldZeroAfter(s, edit, l);
-  char* block = fitsInPlace(s, edit, l, part) ? s.buffer : freshBlock(s, l);
+  char* block = blockFor(s, edit, l, part);
   if (block == nullptr) return false;
   if (l.tail != 0) std::memmove(block + l.tailTo, s.buffer + l.tailFrom, l.tail);
   if (l.at < l.size) part.write(block + l.at, static_cast<unsigned long>(l.size - l.at) / l.width);
