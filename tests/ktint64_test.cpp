@@ -267,6 +267,9 @@ TEST(KtInt64, prints_and_scans_as_the_c_library_in_every_base_and_length) {
     for (int64_t v : {power - 1, power, power + 1}) values.push_back(v);
   }
   for (int bit = 1; bit < 63; ++bit) values.push_back((int64_t{1} << bit) - 1);
+  std::mt19937_64 random(21);
+  for (int i = 0; i < 3000; ++i) values.push_back(static_cast<int64_t>(random()) >> random() % 64);
+  const std::string before(40, '.');  // behind it there is room in the block
   for (int64_t v : values) {
     if (v == kMin) continue;
     char expected[3][40];
@@ -278,6 +281,7 @@ TEST(KtInt64, prints_and_scans_as_the_c_library_in_every_base_and_length) {
     const char* formats[] = {"%S", "%o", "%x"};
     for (int i = 0; i < 3; ++i) {
       ASSERT_EQ(printed(v, formats[i]), expected[i]);
+      ASSERT_EQ(printed(v, formats[i], before.c_str()), before + expected[i]);
       KtInt64 back(77);
       back.ScanFromKtString(KtString(expected[i]), "%S");
       ASSERT_EQ(back.Value(), v) << expected[i];

@@ -445,5 +445,10 @@ TEST(StringBlock, classes_grow_and_leave_a_byte) {
     ASSERT_GT(kt::blockSize(size), size);
     ASSERT_LE(kt::blockSize(size), std::max(32ul, size + size / 2));
     ASSERT_LE(kt::blockSize(size), kt::blockSize(size + 1 == 65536 ? size : size + 1));
+    for (unsigned long larger : {size + 1, size + 40, size + size / 4}) {
+      const bool haveOneBlock = kt::blockSize(size) == kt::blockSize(larger);
+      ASSERT_TRUE(haveOneBlock || !kt::shareBlock(size, larger)) << size << " and " << larger;
+      ASSERT_TRUE(!haveOneBlock || size < 32 || kt::shareBlock(size, larger)) << size << " and " << larger;
+    }
   }
 }

@@ -26,6 +26,16 @@ constexpr unsigned long blockSize(unsigned long bufferSize) {
 static_assert(blockSize(0) == 32 && blockSize(31) == 32 && blockSize(32) == 48 && blockSize(47) == 48);
 static_assert(blockSize(48) == 64 && blockSize(64) == 96 && blockSize(49151) == 49152 && blockSize(65535) == 65536);
 
+// Whether texts of two sizes, the first from kSmallestBlock up to the second, have one block: their highest two bits are
+// alike. From a smaller size on, true only where that is so.
+constexpr bool shareBlock(unsigned long size, unsigned long larger) {
+  const unsigned long changed = 2 * (size ^ larger);
+  return changed < size && changed < (size ^ changed);  // its highest bit is below that of size
+}
+
+static_assert(shareBlock(48, 63) && !shareBlock(47, 48) && !shareBlock(63, 64) && !shareBlock(31, 32));
+static_assert(shareBlock(32768, 49151) && !shareBlock(32768, 49152) && !shareBlock(0, 40) && !shareBlock(31, 71));
+
 // Is size the smallest of its class: 32, 48, 64, 96, ...? Then a text that grows to it needs a new block.
 constexpr bool startsBlock(unsigned long size) {
   const unsigned long lowest = size & (~size + 1);

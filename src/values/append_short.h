@@ -17,11 +17,8 @@ constexpr unsigned long kShortRoom = 40;
 constexpr unsigned long kMostShort = 32;
 inline char* roomBehind(KtString& s) {
   const unsigned size = s.bufferSize;
-  if (size < kSmallestBlock || s.CharSize() != 1) return nullptr;
-  // Sizes whose highest two bits are alike have one block.
-  const unsigned lowerBits = static_cast<unsigned>(std::bit_width(size)) - 2;
-  const bool fits = size >> lowerBits == (size + static_cast<unsigned>(kShortRoom)) >> lowerBits;
-  return fits && !mayHoldZero(s.buffer, size) ? s.buffer + size - 1 : nullptr;
+  if (s.CharSize() != 1 || !shareBlock(size, size + static_cast<unsigned>(kShortRoom))) return nullptr;
+  return mayHoldZero(s.buffer, size) ? nullptr : s.buffer + size - 1;
 }
 static_assert(kTextSizeMask + 1 - kShortRoom + kMostShort <= kMaxTextBytes);
 

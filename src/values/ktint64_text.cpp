@@ -9,41 +9,65 @@
 #include "values/string_edit.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
 constexpr char kDefaultFormat[] = "%S";
 
-bool isConversion(const char* format) {
-  if (format[0] != '%') return false;
-  switch (format[1]) {
-    case 'S':
-    case 'd':
-    case 'i':
-    case 'o':
-    case 'x':
-    case 'X': return true;
-    default: return false;
-  }
-}
+// The base that a directive takes, by its letter; 0: it is none.
+constexpr unsigned kAnyBase = 1;
+constexpr auto kBases = [] {
+  std::array<unsigned char, 256> bases{};
+  bases['S'] = kAnyBase;
+  bases['d'] = bases['i'] = 10;
+  bases['o'] = 8;
+  bases['x'] = bases['X'] = 16;
+  return bases;
+}();
+
+inline unsigned baseOf(char letter) { return kBases[static_cast<unsigned char>(letter)]; }
+
+inline bool isConversion(const char* format) { return format[0] == '%' && baseOf(format[1]) != 0; }
 
 // --- printing -------------------------------------------------------------------------------------------------------
 
 static_assert(kt::kShortRoom >= 3 + kt::kDigitRoom);  // a sign, 0x, the digits
 
+[[gnu::always_inline]] inline char* writeDecimal(char* at, const KtInt64& number) {
+  const std::uint64_t sign = number.Bits() >> 63;
+  *at = '-';
+  return kt::writeDigits<10>(at + sign, (number.Bits() ^ (0 - sign)) + sign);
+}
+
+// The least number, which has no positive counterpart, stands without a sign.
+inline std::uint64_t takeSign(char*& at, const KtInt64& number) {
+  if (number.high >= 0 || number.Abs().high < 0) return number.Bits();
+  *at++ = '-';
+  return number.Abs().Bits();
+}
+
+[[gnu::always_inline]] inline char* writeOctal(char* at, const KtInt64& number) {
+  const std::uint64_t magnitude = takeSign(at, number);
+  *at++ = '0';
+  return kt::writeDigits<8>(at, magnitude);
+}
+
+[[gnu::always_inline]] inline char* writeHex(char* at, const KtInt64& number, char x) {
+  const std::uint64_t magnitude = takeSign(at, number);
+  *at++ = '0';
+  *at++ = x;
+  return kt::writeDigits<16>(at, magnitude, x == 'x' ? kt::kLowerCaseGap : kt::kUpperCaseGap);
+}
+
 // Writes one conversion and returns its end; kShortRoom bytes may be written.
 [[gnu::always_inline]] inline char* writeNumber(char* at, const KtInt64& number, char directive) {
-  const std::uint64_t magnitude = number.Abs().Bits();
-  const bool isDecimal = directive != 'o' && directive != 'x' && directive != 'X';
-  // The least number has no positive counterpart: beyond base 10 it stands without a sign.
-  const bool hasSign = number.high < 0 && (isDecimal || static_cast<std::int64_t>(magnitude) >= 0);
-  *at = '-';
-  at += hasSign ? 1 : 0;
-  if (isDecimal) return kt::writeDigits<10>(at, magnitude);
-  *at++ = '0';
-  if (directive == 'o') return kt::writeDigits<8>(at, magnitude);
-  *at++ = directive;
-  return kt::writeDigits<16>(at, magnitude, directive == 'x' ? kt::kLowerCaseGap : kt::kUpperCaseGap);
+  switch (directive) {
+    case 'o': return writeOctal(at, number);
+    case 'x':
+    case 'X': return writeHex(at, number, directive);
+    default: return writeDecimal(at, number);
+  }
 }
 
 // Straight into the string's block, where it has the room.
@@ -65,7 +89,7 @@ const char* ordinaryEnd(const char* from) {
   return from;
 }
 
-[[gnu::noinline]] KtString& printText(KtString& out, const KtInt64& number, const char* format) {
+void appendText(KtString& out, const KtInt64& number, const char* format) {
   while (*format != '\0') {
     if (isConversion(format)) {
       appendNumber(out, number, format[1]);
@@ -76,54 +100,58 @@ const char* ordinaryEnd(const char* from) {
     kt::append(out, format, kt::narrowSet(), static_cast<unsigned long>(end - format));
     format = end;
   }
+}
+
+[[gnu::noinline]] KtString& printText(KtString& out, const KtInt64& number, const char* format) {
+  if (!kt::liesIn(out, format)) {
+    appendText(out, number, format);
+  } else {
+    const KtString copy(format);  // what is printed would overwrite the format
+    appendText(out, number, copy.StrGet());
+  }
   return out;
 }
 
 // --- scanning -------------------------------------------------------------------------------------------------------
 
-// The base that the prefix of a number tells; 0x is stepped over, a 0 stays a digit.
-unsigned takeBase(const char*& at, const char* end) {
-  if (at == end || *at != '0') return 10;
-  if (end - at < 2 || (at[1] != 'x' && at[1] != 'X')) return 8;
+// The base that the prefix of a number tells; 0x is stepped over, a 0 stays a digit. A terminator stands somewhere behind.
+inline unsigned takeBase(const char*& at) {
+  if (*at != '0') return 10;
+  if (at[1] != 'x' && at[1] != 'X') return 8;
   at += 2;
   return 16;
 }
 
-bool agrees(char directive, unsigned base) {
-  switch (directive) {
-    case 'd':
-    case 'i': return base == 10;
-    case 'o': return base == 8;
-    case 'x':
-    case 'X': return base == 16;
-    default: return true;
+inline bool agrees(char letter, unsigned base) { return baseOf(letter) == kAnyBase || baseOf(letter) == base; }
+
+kt::ReadNumber readNumber(const char* begin, const char* end, unsigned base) {
+  const auto length = static_cast<unsigned long>(end - begin);
+  switch (base) {
+    case 8: return kt::readDigits<8>(begin, length);
+    case 16: return kt::readDigits<16>(begin, length);
+    default: return kt::readDigits<10>(begin, length);
   }
 }
 
-bool readNumber(const char* begin, const char* end, unsigned base, std::uint64_t& number) {
-  const auto length = static_cast<unsigned long>(end - begin);
-  switch (base) {
-    case 8: return kt::readDigits<8>(begin, length, number);
-    case 16: return kt::readDigits<16>(begin, length, number);
-    default: return kt::readDigits<10>(begin, length, number);
-  }
+inline KtInt64 signedNumber(std::uint64_t magnitude, bool isNegative) {
+  return KtInt64(static_cast<unsigned long long>(isNegative ? 0 - magnitude : magnitude));
 }
 
 // One conversion; moves `at` behind the number, which ends in front of `stop` or at the end of the text.
 bool scanNumber(const char*& at, const char* end, char directive, char stop, KtInt64& number) {
   const bool isNegative = *at == '-';
   if (*at == '-' || *at == '+') ++at;
-  const unsigned base = takeBase(at, end);
+  const unsigned base = takeBase(at);
   if (!agrees(directive, base)) return false;
   const char* last = stop == '\0' ? end : std::find(at, end, stop);
-  std::uint64_t magnitude;
-  if (!readNumber(at, last, base, magnitude)) return false;
+  const kt::ReadNumber magnitude = readNumber(at, last, base);
+  if (!magnitude.isNumber) return false;
   at = last;
-  number = KtInt64(static_cast<unsigned long long>(isNegative ? 0 - magnitude : magnitude));
+  number = signedNumber(magnitude.value, isNegative);
   return true;
 }
 
-// False where the text does not match the format.
+// False where the text, which has a terminator, does not match the format.
 bool scanText(const char* at, const char* end, const char* format, KtInt64& number) {
   while (at != end && *format != '\0') {
     if (!isConversion(format)) {
@@ -154,11 +182,11 @@ inline bool isShortText(const KtString& in) {
   return !kt::mayHoldZero(in.buffer, in.bufferSize);
 }
 
-bool readShort(const char* begin, unsigned long length, unsigned base, std::uint64_t& number) {
+inline kt::ReadNumber readShort(const char* begin, unsigned long length, unsigned base) {
   switch (base) {
-    case 8: return kt::readPaddedDigits<8>(begin, length, number);
-    case 16: return kt::readPaddedDigits<16>(begin, length, number);
-    default: return kt::readPaddedDigits<10>(begin, length, number);
+    case 8: return kt::readPaddedDigits<8>(begin, length);
+    case 16: return kt::readPaddedDigits<16>(begin, length);
+    default: return kt::readPaddedDigits<10>(begin, length);
   }
 }
 
@@ -168,11 +196,10 @@ inline KtInt64 scanShortText(const KtString& in, char directive) {
   const char* const end = at + in.bufferSize - 1;
   const bool isNegative = *at == '-';
   if (*at == '-' || *at == '+') ++at;
-  const unsigned base = takeBase(at, end);
+  const unsigned base = takeBase(at);
   if (!agrees(directive, base)) return KtInt64(-1);
-  std::uint64_t magnitude = 0;
-  if (at != end && !readShort(at, static_cast<unsigned long>(end - at), base, magnitude)) return KtInt64(-1);
-  return KtInt64(static_cast<unsigned long long>(isNegative ? 0 - magnitude : magnitude));
+  const kt::ReadNumber magnitude = readShort(at, static_cast<unsigned long>(end - at), base);
+  return magnitude.isNumber ? signedNumber(magnitude.value, isNegative) : KtInt64(-1);
 }
 
 }  // namespace
@@ -181,9 +208,7 @@ KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
   if (format == nullptr) format = kDefaultFormat;
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
   if (isNumberOnly && appendInPlace(out, *this, format[1])) return out;
-  if (!kt::liesIn(out, format)) return printText(out, *this, format);
-  const KtString copy(format);  // of a format that what it prints would overwrite
-  return printText(out, *this, copy.StrGet());
+  return printText(out, *this, format);
 }
 
 void KtInt64::ScanFromKtString(const KtString& in, const char* format) {

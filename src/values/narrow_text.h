@@ -11,7 +11,7 @@
 
 namespace kt {
 
-// A view of a string's text, converted where it has 16-bit characters. Lives no longer than the string.
+// A view of a string's text, converted where it has 16-bit characters, with a terminator. Lives no longer than the string.
 //
 // Only a long text of 16-bit characters takes memory; without it, it counts as an empty one.
 class NarrowText {
@@ -20,7 +20,7 @@ public:
     const KtString* source = &in;
     if (in.CharSize() != 1) {
       length_ = in.Len();
-      if (length_ <= sizeof local_) {
+      if (length_ < sizeof local_) {
         narrow(in);
         return;
       }
@@ -47,6 +47,7 @@ public:
 private:
   void narrow(const KtString& in) {
     if (length_ != 0) mapUnits(local_, narrowSet(), in.buffer, in.codeSet, length_);
+    local_[length_] = '\0';
     text_ = local_;
   }
 
