@@ -3,6 +3,7 @@
 #include "ktstring.h"
 #include "ops/scalar_values.h"
 #include "text/number_format.h"
+#include "text/short_integer.h"
 #include "values/append_short.h"
 #include "values/narrow_text.h"
 #include "values/string_edit.h"
@@ -69,17 +70,20 @@ KtString& assignNumber(KtString& out, const NumberText& text) {
 
 static_assert(kShortBlock >= kShortNumberRoom && kShortBlock > kShortNumber + 2);
 
-template <class Stored>
-KtString& printStoredInteger(KtString& out, const void* values, const char* format) {
-  if (values == nullptr) return out;
-  format = formatOr(sizeof(Stored) == 2 ? kShortFormat : kLongFormat, format);
-  const std::int32_t value = readValue<Stored>(values);
+KtString& printNumber(KtString& out, const char* format, std::int32_t value) {
   char* const block = shortBlock(out);
   if (block == nullptr) return printLongInteger(out, format, value);
   const char* const end = printShortInteger(block, format, value);
   if (end == nullptr) return printLongInteger(out, format, value);
   setShort(out, static_cast<unsigned long>(end - block));
   return out;
+}
+
+template <class Stored>
+KtString& printStoredInteger(KtString& out, const void* values, const char* format) {
+  if (values == nullptr) return out;
+  return printNumber(out, formatOr(sizeof(Stored) == 2 ? kShortFormat : kLongFormat, format),
+                     readValue<Stored>(values));
 }
 
 }  // namespace

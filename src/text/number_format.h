@@ -29,12 +29,6 @@ struct NumberText {
 
 // Replace `out` with `value` as `format` says. A value narrower than 32 bits comes widened.
 void printInteger(NumberText& out, const char* format, std::int32_t value);
-// The same for the usual formats, "%d", "%hu", "%5ld", "%08x" and the like: writes the text at `at`, without a terminator,
-// and returns its end. Null, and nothing is written, for another format. Takes a room of kShortNumberRoom bytes; what it
-// holds behind the end means nothing.
-constexpr unsigned kShortNumber = 16;  // characters at most, the sign not counted
-constexpr unsigned kShortNumberRoom = 32;
-char* printShortInteger(char* at, const char* format, std::int32_t value);
 void printFloat(NumberText& out, const char* format, float value);
 // Takes the "ldex" form as well.
 void printDouble(NumberText& out, const char* format, double value);

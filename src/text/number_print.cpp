@@ -9,6 +9,7 @@
 #include "text/integer_digits.h"
 #include "text/number_format.h"
 #include "text/number_spec.h"
+#include "text/short_integer.h"
 
 namespace kt {
 namespace {
@@ -138,39 +139,6 @@ void appendInteger(Appender& out, const NumberSpec& spec, std::int32_t value) {
   const std::uint32_t bits = reduceToLength(static_cast<std::uint32_t>(value), spec);
   const bool negative = isSignedConversion(spec.conversion) && (bits >> 31) != 0;
   appendFormattedInteger(out, spec, negative, negative ? 0 - bits : bits);
-}
-
-// The usual integer formats: "%", perhaps 0, a width, h or l, and the conversion.
-struct ShortFormat {
-  bool zeros;
-  bool half;
-  unsigned width;
-  char conversion;
-};
-
-// False for every other format. The conversion is not looked at.
-inline bool parseShortFormat(const char* at, ShortFormat& format) {
-  if (*at++ != '%') return false;
-  format.zeros = *at == '0';
-  if (format.zeros) ++at;
-  format.width = 0;
-  for (; isDecimalDigit(*at); ++at) {
-    format.width = format.width * 10 + static_cast<unsigned>(*at - '0');
-    if (format.width > kShortNumber) return false;
-  }
-  format.half = *at == 'h';
-  if (format.half || *at == 'l') ++at;
-  format.conversion = *at;
-  return *at != '\0' && at[1] == '\0';
-}
-
-// Moves the number from `at` to `end` to the right, and blanks in front of it.
-char* rightAlign(char* at, char* end, int width) {
-  const auto length = end - at;
-  if (length >= width) return end;
-  std::memmove(at + width - length, at, static_cast<std::size_t>(length));
-  std::memset(at, ' ', static_cast<std::size_t>(width - length));
-  return at + width;
 }
 
 constexpr int kUsualPrecision = 6;
@@ -352,29 +320,6 @@ void printMantissaExponent(NumberText& text, const char* format, double value) {
 }
 
 }  // namespace
-
-char* printShortInteger(char* at, const char* format, std::int32_t value) {
-  ShortFormat parsed;
-  if (!parseShortFormat(format, parsed)) return nullptr;
-  auto bits = static_cast<std::uint32_t>(value);
-  const unsigned least = parsed.zeros && parsed.width != 0 ? parsed.width : 1;
-  char* end;
-  switch (parsed.conversion) {
-    case 'd': {
-      if (parsed.half) bits = static_cast<std::uint32_t>(static_cast<std::int16_t>(bits & 0xFFFF));
-      const std::uint32_t signs = bits >> 31;
-      *at = '-';
-      // The sign takes the place of a zero.
-      end = writeAtLeast<10>(at + signs, (bits ^ (0 - signs)) + signs, 0, least > 1 ? least - signs : 1);
-      break;
-    }
-    case 'u': end = writeAtLeast<10>(at, parsed.half ? bits & 0xFFFF : bits, 0, least); break;
-    case 'x': end = writeAtLeast<16>(at, parsed.half ? bits & 0xFFFF : bits, kLowerCaseGap, least); break;
-    case 'X': end = writeAtLeast<16>(at, parsed.half ? bits & 0xFFFF : bits, kUpperCaseGap, least); break;
-    default: return nullptr;
-  }
-  return parsed.zeros || parsed.width == 0 ? end : rightAlign(at, end, static_cast<int>(parsed.width));
-}
 
 void printInteger(NumberText& out, const char* format, std::int32_t value) {
   if (const char* const end = printShortInteger(out.text, format, value)) return finish(out, end);
