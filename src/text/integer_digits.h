@@ -43,8 +43,7 @@ constexpr std::uint64_t kEightDigits = kBase == 10  ? 100000000u
                                        : kBase == 8 ? 1u << 24
                                                     : std::uint64_t{1} << 32;
 
-// The digits of a number below kEightDigits, as numbers. Halves, then quarters, then single digits move apart, or in base
-// 10 pairs, then digits.
+// The digits of a number below kEightDigits, as numbers. Halves, then quarters, then single digits move apart.
 template <unsigned kBase>
 inline std::uint64_t splitDigits(std::uint64_t number) {
   if constexpr (kBase == 16) {
@@ -56,11 +55,13 @@ inline std::uint64_t splitDigits(std::uint64_t number) {
     number = (number >> 6 & 0x0000003F0000003Fu) | (number & 0x0000003F0000003Fu) << 16;
     return (number >> 3 & 0x0007000700070007u) | (number & 0x0007000700070007u) << 8;
   } else {
+    // Quotients by multiplication: exact below 10,000 and below 100. A quotient q of n stays where it is, and the remainder
+    // n - 100q moves up: together (n << 16) - 100q * 65536 + q.
     const auto narrow = static_cast<std::uint32_t>(number);
     const std::uint64_t halves = narrow / 10000 | std::uint64_t{narrow % 10000} << 32;
     const std::uint64_t hundreds = (halves * 10486 >> 20) & 0x0000007F0000007Fu;
     const std::uint64_t pairs = (halves << 16) - hundreds * ((100u << 16) - 1);
-    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000Fu;  // exact below 100
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000Fu;
     return (pairs << 8) - tens * ((10u << 8) - 1);
   }
 }
