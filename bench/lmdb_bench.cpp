@@ -13,17 +13,6 @@
 namespace kt::bench {
 namespace {
 
-constexpr unsigned char kLittleEndian = 0;
-
-// At namespace scope: a comparator is called too often to ask each time whether its manager is made.
-const KtTypeMgr manager(12);
-
-int compareRecords(const MDB_val* a, const MDB_val* b) {
-  int status;
-  return sign(manager.Cmp(KT_ID_KtString, a->mv_size, a->mv_data, b->mv_size, b->mv_data, KtCMP_NO_WILDCARDS, 1,
-                          kLittleEndian, status));
-}
-
 // Blanks and symbols decide last, as with us; equal names are told apart by their bytes.
 UCollator* collator() {
   static UCollator* const instance = [] {
@@ -43,7 +32,8 @@ int compareByIcu(const MDB_val* a, const MDB_val* b) {
 }
 
 struct TreeData {
-  explicit TreeData(const Names& names) : records(compareRecords, recordsOf(names)), texts(compareByIcu, names.utf8) {}
+  explicit TreeData(const Names& names)
+      : records(compareByType<KT_ID_KtString>, recordsOf(names)), texts(compareByIcu, names.utf8) {}
 
   static std::vector<std::string> recordsOf(const Names& names) {
     std::vector<std::string> records;

@@ -12,17 +12,6 @@
 namespace kt::bench {
 namespace {
 
-constexpr unsigned char kLittleEndian = 0;
-
-// At namespace scope: a comparator is called too often to ask each time whether its manager is made.
-const KtTypeMgr manager(12);
-
-int compareNumbers(const MDB_val* a, const MDB_val* b) {
-  int status;
-  return sign(manager.Cmp(KT_ID_KtInt64, a->mv_size, a->mv_data, b->mv_size, b->mv_data, KtCMP_NO_WILDCARDS, 1,
-                          kLittleEndian, status));
-}
-
 std::vector<unsigned long long> numbers(int count) {
   std::mt19937_64 random(2005);
   std::vector<unsigned long long> values(static_cast<std::size_t>(count));
@@ -51,7 +40,7 @@ std::vector<std::string> keysOf(Stored stored) {
 }
 
 struct NumberTrees {
-  Tree typed{compareNumbers, keysOf(storedByKttm)};
+  Tree typed{compareByType<KT_ID_KtInt64>, keysOf(storedByKttm)};
   Tree plain{nullptr, keysOf(bigEndian)};
 };
 

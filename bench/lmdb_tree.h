@@ -2,6 +2,9 @@
 #ifndef LMDB_TREE_H
 #define LMDB_TREE_H
 
+#include "bench_job.h"
+
+#include <kttm.h>
 #include <lmdb.h>
 
 #include <cstdlib>
@@ -11,6 +14,19 @@
 #include <vector>
 
 namespace kt::bench {
+
+constexpr unsigned char kLittleEndian = 0;
+
+// At namespace scope: a comparator is called too often to ask each time whether its manager is made.
+inline const KtTypeMgr manager(12);
+
+// Keys are stored values of a type.
+template <char kId>
+int compareByType(const MDB_val* a, const MDB_val* b) {
+  int status;
+  return sign(
+      manager.Cmp(kId, a->mv_size, a->mv_data, b->mv_size, b->mv_data, KtCMP_NO_WILDCARDS, 1, kLittleEndian, status));
+}
 
 // The file is gone with the object. A null comparator stands for LMDB's own, by bytes.
 class Tree {

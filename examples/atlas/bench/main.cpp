@@ -42,39 +42,40 @@ double median(std::vector<double> values) {
 // Queries of one kind, all of about a hundred hits or, for countries, what they have.
 using QuerySet = std::vector<Query>;
 constexpr std::size_t kQueries = 100;
+constexpr std::size_t kHits = 100;
 constexpr std::size_t kLeastAgreed = 50;  // of names
 constexpr char kRangeOfNames[] = "range of names", kFewNames[] = "few names";
 
-std::vector<Query> populationQueries(const Places& places, std::mt19937& random) {
-  std::vector<unsigned> sorted;
-  for (const Place& place : places.places) sorted.push_back(place.population);
-  std::sort(sorted.begin(), sorted.end());
+// Ranges of a hundred neighbours in order; isBefore(a, b) orders places, fill(query, first, last) says what is asked.
+template <class IsBefore, class Fill>
+QuerySet rangeQueries(std::vector<Place> places, std::mt19937& random, IsBefore isBefore, Fill fill) {
+  std::sort(places.begin(), places.end(), isBefore);
   QuerySet queries;
   for (std::size_t i = 0; i < kQueries; ++i) {
-    const std::size_t at = random() % (sorted.size() - 100);
-    Query query;
-    query.kind = Kind::kPopulation;
-    query.least = sorted[at];
-    query.greatest = sorted[at + 99];
-    queries.push_back(query);
+    const std::size_t at = random() % (places.size() - kHits);
+    fill(queries.emplace_back(), places[at], places[at + kHits - 1]);
   }
   return queries;
 }
 
-std::vector<Query> foundedQueries(const Places& places, std::mt19937& random) {
-  std::vector<Day> sorted;
-  for (const Place& place : places.places) sorted.push_back(place.founded);
-  std::sort(sorted.begin(), sorted.end(), [](Day a, Day b) { return a.number() < b.number(); });
-  QuerySet queries;
-  for (std::size_t i = 0; i < kQueries; ++i) {
-    const std::size_t at = random() % (sorted.size() - 100);
-    Query query;
-    query.kind = Kind::kFounded;
-    query.first = sorted[at];
-    query.last = sorted[at + 99];
-    queries.push_back(query);
-  }
-  return queries;
+QuerySet populationQueries(const Places& places, std::mt19937& random) {
+  return rangeQueries(
+      places.places, random, [](const Place& a, const Place& b) { return a.population < b.population; },
+      [](Query& query, const Place& first, const Place& last) {
+        query.kind = Kind::kPopulation;
+        query.least = first.population;
+        query.greatest = last.population;
+      });
+}
+
+QuerySet foundedQueries(const Places& places, std::mt19937& random) {
+  return rangeQueries(
+      places.places, random, [](const Place& a, const Place& b) { return a.founded.number() < b.founded.number(); },
+      [](Query& query, const Place& first, const Place& last) {
+        query.kind = Kind::kFounded;
+        query.first = first.founded;
+        query.last = last.founded;
+      });
 }
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
@@ -86,8 +87,8 @@ bool beginsWith(const std::string& name, const std::string& prefix) {
 
 // Beginnings of names, of so many plain letters and with so many hits. Collations disagree where names have marks, blanks
 // or symbols behind the same letters: such beginnings are left out, see agreed().
-std::vector<Query> nameQueries(const Places& places, std::mt19937& random, std::size_t letters, std::size_t least,
-                               std::size_t most) {
+QuerySet nameQueries(const Places& places, std::mt19937& random, std::size_t letters, std::size_t least,
+                     std::size_t most) {
   std::map<std::string, std::size_t> hits;
   for (const Place& place : places.places) {
     std::string prefix = place.name.substr(0, letters);
@@ -109,7 +110,7 @@ std::vector<Query> nameQueries(const Places& places, std::mt19937& random, std::
   return queries;
 }
 
-std::vector<Query> countryQueries(const Places& places) {
+QuerySet countryQueries(const Places& places) {
   QuerySet queries;
   for (unsigned country = 0; country < places.countries.size(); ++country) {
     Query query;
