@@ -236,6 +236,38 @@ TEST(StringEdit, own_text_may_be_the_argument) {
   EXPECT_EQ(wide.Len(), 28);
 }
 
+// However a text was emptied, whether a block is left of it or not.
+TEST(StringEdit, an_emptied_string_adds_as_an_empty_one) {
+  void (*const empties[])(KtString&) = {
+      [](KtString& s) { s = ""; },
+      [](KtString& s) { s = reinterpret_cast<const unsigned short*>(u""); },
+      [](KtString& s) { s = KtString(); },
+      [](KtString& s) { s.Cut(0, -1); },
+      [](KtString& s) { s.Fill(0, 'x'); },
+      [](KtString& s) { s.Fill(3, '\0'); },
+      [](KtString& s) { s = s.Copy(9); },
+      [](KtString& s) { s.Expand(3, ' ').Cut(0, 1).Trim(); },
+      [](KtString& s) { s.ReplaceAll("x", ""); },
+  };
+  const unsigned short wide[] = {'a', 0xE9, 0};
+  for (const unsigned char codeSet : {kNarrow, kWide})
+    for (const auto& empty : empties) {
+      KtString s = made(u"x", codeSet);
+      empty(s);
+      ASSERT_EQ(s.Len(), 0);
+      for (const KtString& other : {made(u"a\u00E9", kNarrow), made(u"a\u00E9", kWide)}) {
+        EXPECT_EQ(unitsOf(s + other), u"a\u00E9");
+        EXPECT_EQ((s + other).codeSet, s.codeSet);
+        EXPECT_EQ(unitsOf(other + s), u"a\u00E9");
+      }
+      EXPECT_EQ(unitsOf(s + "ab"), u"ab");
+      EXPECT_EQ(unitsOf("ab" + s), u"ab");
+      EXPECT_EQ(unitsOf(s + 'a' + wide), u"aa\u00E9");
+      EXPECT_EQ(unitsOf(wide + s + wide[1]), u"a\u00E9\u00E9");
+      EXPECT_EQ((s + s).Len(), 0);
+    }
+}
+
 TEST(StringEdit, counts_are_sixteen_bits) {
   const struct {
     unsigned short pos;

@@ -71,6 +71,9 @@ TEST(TypeManager, the_null_print_string_is_process_wide) {
   KtString out("kept?");
   null.SetNullValue();
   EXPECT_STREQ(mgr.PrintToKtString(KT_ID_KtString, out, &null, nullptr, 1).StrGet(), "nil");
+  KtString emptied("x");
+  KtTypeMgr::SetNullPrintString(emptied = "");
+  EXPECT_EQ(KtTypeMgr::GetNullPrintString().Len(), 0);
   KtTypeMgr::SetNullPrintString("{NULL}");
 }
 

@@ -121,7 +121,8 @@ KtString& KtString::operator+=(const unsigned short* text) {
 
 KtString operator+(const KtString& a, const KtString& b) {
   KtString sum(a);
-  const bool isCopied = a.buffer == nullptr || sum.buffer != nullptr;
+  // The copy of an emptied string has no buffer either.
+  const bool isCopied = sum.buffer != nullptr || a.Len() == 0;
   if (!isCopied || !kt::append(sum, b.buffer, b.codeSet, b.Len())) kt::release(sum);
   return sum;
 }

@@ -36,8 +36,8 @@ int findPattern(const KtString& s, const KtString& pattern, unsigned long pos, u
   KtString prefix(pattern.codeSet, pattern.language);
   if (wildcards) {
     prefix = pattern;
-    kt::appendAscii(prefix, "*", 1);
-    if (prefix.buffer == nullptr) return KtERR_NOT_FOUND;
+    // Half a pattern would match where the whole one does not.
+    if (prefix.Len() != patternLength || !kt::appendAscii(prefix, "*", 1)) return KtERR_NOT_FOUND;
   }
   for (; pos + patternLength <= length; ++pos) {
     const bool found =

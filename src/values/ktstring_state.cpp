@@ -40,7 +40,7 @@ public:
 
   void replace(const KtString& text) {
     KtString copy(text);
-    if (copy.buffer == nullptr && text.buffer != nullptr) return;
+    if (copy.buffer == nullptr && text.Len() != 0) return;  // memory ran out
     forgetFirst();
     string_.Destruct(copy);
   }
