@@ -206,6 +206,33 @@ TEST(StringKey, keys_are_cut_between_characters_and_never_exceed_the_room) {
   }
 }
 
+Bytes keyOfRecord(const KtString& s, unsigned char code, unsigned long room) {
+  const Block record(recordOf(s, code));
+  Block target(Bytes(room, 0xEE));
+  return Bytes(target.get(),
+               target.get() + Ops::translate(target.get(), 0x82, room, record.get(), code, record.size, 1));
+}
+
+// Which code set a cut key names is up to the whole text, what lies behind the cut included.
+TEST(StringKey, a_cut_key_of_a_unicode_text_below_256_is_that_of_the_narrow_text) {
+  const std::u16string text = u"abcdefghi\u00FFkl";
+  for (unsigned long room = 6; room <= 6 + 4 * text.size(); ++room) {
+    const KtString wide = makeString(text, 253, 1);
+    EXPECT_EQ(keyOf(wide, 0x82, room), keyOf(makeString(text, 1, 1), 0x82, room)) << room;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      std::u16string far = text, ends = text + u'\u0100';
+      far[at] = u'\u0100';
+      ends[at] = 0;  // the text ends here
+      const KtString beyond = makeString(far, 253, 1), ended = makeString(ends, 253, 1);
+      EXPECT_EQ(keyOf(beyond, 0x82, room)[2], 253) << room << ' ' << at;
+      EXPECT_EQ(keyOf(ended, 0x82, room)[2], 1) << room << ' ' << at;
+      for (const unsigned char code : Codes{0, 2})
+        for (const KtString& s : {wide, beyond, ended})
+          EXPECT_EQ(keyOfRecord(s, code, room), keyOf(s, 0x82, room)) << room << ' ' << at;
+    }
+  }
+}
+
 // The outcome on whole texts, or 2101: never a wrong result that claims to be right.
 TEST(StringKey, cut_keys_never_decide_wrongly) {
   Names names;

@@ -31,7 +31,7 @@ bool isNewUnicodeOrder() {
 struct Written {
   unsigned long bytes;
   bool whole;
-  bool isLatin1 = false;
+  bool isLatin1 = false;  // as far as it was written
 };
 
 Written writeRaw(unsigned char* out, unsigned long room, const TextRef& text) {
@@ -67,6 +67,28 @@ Written writeWords(unsigned char* out, unsigned long room, const TextRef& text, 
   return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0, all < 256};
 }
 
+// Whether a Unicode text has no character of 256 or above from `start` on; four are looked at in one step.
+bool isLatin1From(unsigned long start, const TextRef& text) {
+  constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00u;
+  constexpr std::uint64_t kOnes = 0x0001000100010001u;
+  const int rotation = unitRotation(text.flag);
+  const std::uint64_t beyond = kHighBytes >> rotation;
+  unsigned long i = start;
+  for (; i + 4 <= text.limit; i += 4) {
+    std::uint64_t four;
+    std::memcpy(&four, text.text + 2 * i, sizeof four);
+    if ((four & beyond) != 0 || ((four - kOnes) & ~four & kOnes << 15) != 0) break;
+  }
+  while (i < text.limit && loadUnit(text.text, i, rotation) - 1 < 255) ++i;
+  return i >= text.limit || loadUnit(text.text, i, rotation) == 0;
+}
+
+// Whether the key is that of the text in ISO 8859-1: cut or not, that is up to the whole text.
+bool isLatin1Key(const TextRef& text, const Written& written, bool goesOn) {
+  if (text.codeSet != kUnicode || !written.isLatin1 || goesOn || !isNewUnicodeOrder()) return false;
+  return written.whole || isLatin1From(written.bytes / kKeyWord, text);
+}
+
 // The room of key words in a key of at most `room` bytes, which is at least an empty key.
 unsigned long bodyRoom(unsigned long room) { return std::min(room, kLongestLength + kLengthBytes) - kEmptyRecord; }
 
@@ -92,9 +114,8 @@ unsigned long writeIndexKey(unsigned char* out, unsigned long room, const TextRe
                                                 return writeWords(body, free, text, cursor);
                                               });
   const bool isWhole = written.whole && !goesOn;
-  const bool asLatin1 = text.codeSet == kUnicode && written.isLatin1 && isWhole && isNewUnicodeOrder();
-  return finishKey(out, written.bytes, asLatin1 ? kLatin1 : text.codeSet, text.language,
-                   isWhole ? End::kWhole : End::kGoesOn, code);
+  const unsigned char codeSet = isLatin1Key(text, written, goesOn) ? kLatin1 : text.codeSet;
+  return finishKey(out, written.bytes, codeSet, text.language, isWhole ? End::kWhole : End::kGoesOn, code);
 }
 
 unsigned long copyIndexKey(unsigned char* out, unsigned long room, const IndexKey& key, unsigned char code) {
