@@ -289,6 +289,27 @@ TEST(KtString, index_reaches_the_terminator_and_no_further) {
   }
 }
 
+// Elsewhere a character's code set 255 is the default 8-bit one, in a string it has 16 bits.
+TEST(KtString, characters_of_code_set_255_are_unicode) {
+  KtString s(255, 1);
+  const unsigned short units[] = {0x20AC, ' '};
+  s.Rebuild(reinterpret_cast<const char*>(units), 255, 0, 0, 2, 1, KtString::RebuildMode::kRebuild);
+  EXPECT_EQ(s[0].Unicode(), 0x20AC);
+  EXPECT_EQ(s[2].CharSize(), 2);
+  EXPECT_EQ(s.Trim().Len(), 1);
+  struct Look : KtCharOperation {
+    int Apply(const KtChar& in, KtChar out[kMaxCharacters]) override {
+      seen = in.Unicode();
+      out[0] = in;
+      return 1;
+    }
+    unsigned short seen = 0;
+  } look;
+  s.Transform(look);
+  EXPECT_EQ(look.seen, 0x20AC);
+  EXPECT_EQ(s.codeSet, 255);
+}
+
 TEST(CodeSets, relabelling_keeps_bytes_and_refuses_other_sizes) {
   KtString s("\xA4");
   EXPECT_EQ(s.SetCodeSetCode(230), -2002);

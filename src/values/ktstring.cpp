@@ -141,5 +141,5 @@ KtChar KtString::operator[](int i) const {
   if (i < 0 || i > Len()) return {0, 255, 255};
   const bool isTerminator = buffer == nullptr;
   return {isTerminator ? static_cast<unsigned short>(0) : kt::unitAt(buffer, static_cast<unsigned long>(i), CharSize()),
-          codeSet, language};
+          kt::characterLabel(*this), language};
 }

@@ -59,13 +59,8 @@ void fillBehind(KtString& s, unsigned long head, unsigned long n, unsigned short
                   .mayHoldZero = ch == 0});
 }
 
-// An iterator takes 255 for the default 8-bit set; a string's 255 is a set of 16-bit units like every other from 225 on.
-unsigned char characterLabel(const KtString& s) {
-  return s.CharSize() == 2 ? KtCodeSet::Get(s.codeSet).Code() : s.codeSet;
-}
-
 bool isSpaceAt(const KtString& s, unsigned long pos) {
-  return KtChar(kt::unitAt(s.buffer, pos, s.CharSize()), characterLabel(s), s.language).IsSpace() != 0;
+  return KtChar(kt::unitAt(s.buffer, pos, s.CharSize()), kt::characterLabel(s), s.language).IsSpace() != 0;
 }
 
 // What stands behind an inner zero does not outlive a rewriting.
@@ -202,7 +197,7 @@ KtString& KtString::Transform(KtCharOperation& op) {
     KtCallMemoryHandler(room);
     return *this;
   }
-  KtStringIterator it(buffer, characterLabel(*this), language, 1, Len());
+  KtStringIterator it(buffer, kt::characterLabel(*this), language, 1, Len());
   const unsigned long units = it.Transform(op, rewritten, room) / CharSize();
   kt::rebuild(*this, {.source = rewritten, .sourceSet = codeSet, .count = units == 0 ? 0 : units - 1});
   std::free(rewritten);

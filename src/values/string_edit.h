@@ -32,6 +32,12 @@ inline bool liesIn(const KtString& s, const char* address) {
   return reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(s.buffer) < s.bufferSize;
 }
 
+// The code set that the string's characters name. A character, and an iterator, take 255 for the default 8-bit set, while a
+// string's 255 is a set of 16-bit units like every other from 225 on.
+inline unsigned char characterLabel(const KtString& s) {
+  return s.codeSet != 255 ? s.codeSet : KtCodeSet::Get(255).Code();
+}
+
 // Frees the text; code set and language stay.
 void release(KtString& s);
 
