@@ -401,10 +401,14 @@ TEST(StringEdit, splits_lists_and_skips_only_a_leading_separator) {
   KtString none;
   pos = 0;
   EXPECT_EQ(KtSplitList(none, item, ",", pos), -2005);
-  KtString emptied("x");  // has a buffer, so that it is found at every position
+  KtString emptied("x");  // has a buffer: Find finds it at every position
   emptied.Cut(0, 1);
-  pos = list.Len();
-  EXPECT_EQ(KtSplitList(list, item, emptied, pos), -2005);
+  for (const KtString& separator : {emptied, KtString()}) {
+    pos = 0;
+    EXPECT_EQ(KtSplitList(list, item, separator, pos), 0);
+    EXPECT_STREQ(item.StrGet(), ",a, b ,,c");
+    EXPECT_EQ(KtSplitList(list, item, separator, pos), -2005);
+  }
   pos = 0;
   KtString pairs("a--b");
   ASSERT_EQ(KtSplitList(pairs, item, "--", pos), 0);

@@ -94,7 +94,7 @@ KtString& KtString::ReplaceAll(unsigned short from, unsigned short to, unsigned 
 }
 
 int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos) {
-  int found = list.Find(separator, pos);
+  int found = separator.IsEmpty() ? KtERR_NOT_FOUND : list.Find(separator, pos);
   while (found == 0) found = list.Find(separator, ++pos);
   const unsigned long length = list.Len();
   if (pos >= length) return KtERR_END_OF_LIST;
