@@ -8,8 +8,8 @@
 //
 // Range:  a decoded value loses all but its low 16 bits (0x10041, in four bytes, becomes 0x41). Surrogates are characters
 //         like any other: each takes three bytes, there are no pairs. Over-long sequences are bad sequences.
-// Null:   the null value of KtString counts as an empty text; decoding into a null string leaves it null, since the
-//         language stays. A null pointer as input or output gives 0 where nothing else is said.
+// Null:   a null string counts as the text that it holds, none after SetNullValue; decoding into it leaves it null, since
+//         the language stays. A null pointer as input or output gives 0 where nothing else is said.
 // Size:   encoding writes 1 byte below 0x80, 2 below 0x800, else 3. At most 32,768 bytes are decoded into a string.
 // Text:   code sets 0 to 5: text of bytes below 128 is its own multi-byte text. Other text stands for the characters that
 //         its code set maps it to (KtCodeSet::ToUnicode).

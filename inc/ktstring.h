@@ -27,13 +27,17 @@ constexpr unsigned short KtCMP_DEFAULT = 65535;
 // Range:  up to 65,533 bytes with the terminator. A longer result raises the assertion "String overflow" && 0 (source
 //         src\ktstring) unless the default configuration holds "stringOverflow" (qualifier "debug") as 0; the size is
 //         then taken modulo 65,536 and the text clipped to it.
-// Null:   language 254, or code set 254 with language 0. A null string behaves as an empty one in every other operation.
+// Null:   language 254, or code set 254 with language 0, whatever the text. SetNullValue gives the text up; a null made by
+//         its marks alone keeps its text, and every operation sees that, but for comparison, hash, index keys, printing
+//         and conversion, which know the null.
 // Order:  Compare and the relational operators: KtStrCmp under an operator of the bits above.
 // Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class larger than bufferSize,
 //         so that appending one by one costs time in proportion to the text; it is the string's own: characters may be
 //         changed in place, but buffer and bufferSize are never assigned, nor a terminator moved.
 // Disk:   see StringStore.
-// Text:   one byte a character in code sets below 225, one 16-bit unit in host order from 225 on.
+// Text:   one byte a character in code sets below 225, one 16-bit unit in host order from 225 on. Comparison, hash and
+//         index keys take code set 255 for the default 8-bit set: they see the bytes of its units, up to the first that
+//         is zero, and memory and disk may differ. Name 16-bit texts 253.
 // Status: operations that can fail answer one of the KtERR_ codes; the others leave the string unchanged.
 // Owner:  the string owns its buffer (malloc); a failed allocation calls the memory handler and leaves the string as it
 //         was (an empty one when it had to give up its old text first).
@@ -58,9 +62,11 @@ public:
   KtString(KtString&& other) noexcept;  // as Destruct
   KtString(char ch);                    // default 8-bit code set; empty for 0
   KtString(unsigned short ch);          // default 16-bit code set; empty for 0
-  KtString(const char* text);           // default 8-bit code set; empty for null
+  // Texts of char are in the default 8-bit code set, texts of 16-bit units in the default 16-bit one; null is an empty
+  // text. n: exactly n characters, zeros included, which must be there; 65535: up to the terminator.
+  KtString(const char* text);
   KtString(const unsigned short* text);
-  KtString(const char* text, unsigned short n);  // exactly n characters; 65535: up to the terminator
+  KtString(const char* text, unsigned short n);
   KtString(const unsigned short* text, unsigned short n);
   KtString(short number);  // decimal
   KtString(int number);
@@ -78,11 +84,12 @@ public:
   // --- code sets ------------------------------------------------------------------------------------------------
   int SetCodeSetCode(unsigned char code);  // relabels; 0, or -2002 across character sizes
   void SetCodeSet(unsigned char code);     // converts when the character size changes, else relabels
-  int MapToCodeSet(unsigned char code);    // converts; 0, or -2002 for code 0
+  int MapToCodeSet(unsigned char code);    // converts; 0 (also, unchanged, without memory), or -2002 for code 0
   // Becomes a copy of at most count characters of source in code set `code`, with source's language. Returns the
-  // characters copied, or -2002 when source is this string. count as above.
+  // characters copied, -2002 when source is this string, or 0, and nothing is changed, without memory. count as above.
   int CopyMapped(const KtString& source, unsigned char code, int count);
 
+  // The defaults are those of the process's language context. Set them while no other thread uses strings.
   static unsigned char GetDefaultCodeSet() { return KtLanguageContext::GetDefaultCodeSet(); }
   static unsigned char GetDefault8CodeSet() { return KtLanguageContext::GetDefault8CodeSet(); }
   static unsigned char GetDefault16CodeSet() { return KtLanguageContext::GetDefault16CodeSet(); }
@@ -92,8 +99,10 @@ public:
   static void SetDefaultLanguage(unsigned char language) { KtLanguageContext::SetDefaultLanguage(language); }
   static void SetDefaultCmpOp(unsigned short cmpOp) { KtLanguageContext::SetDefaultCmpOp(cmpOp); }
 
-  // The wildcard characters of pattern comparison: process-wide, kept as collation orders, "*", "?" and "\" until set.
-  static int SetAsterisk(const KtChar& ch);  // 0
+  // The wildcard characters of pattern comparison: process-wide, kept as collation orders (one for the alphabetic kinds of
+  // languages, one for the ideographic kind), "*", "?" and "\" until set; the character 0 restores these. What is set
+  // replaces the old character, but not in Find's added "*" nor in patterns of code set 0. Any thread may call them. 0.
+  static int SetAsterisk(const KtChar& ch);
   static int SetQuestion(const KtChar& ch);
   static int SetEscape(const KtChar& ch);
 
@@ -106,26 +115,32 @@ public:
   const char* StrGet() const;  // never null; two zero bytes without a buffer
   unsigned short CharSize() const { return KtCodeSet::CharSizeOf(codeSet); }
   unsigned short Len() const;  // characters up to the terminator
-  int IsEmpty() const;
+  int IsEmpty() const;         // 1 or 0, like the next two
   int operator!() const { return IsEmpty(); }
   int IsNullValue() const;
-  int SetNullValue();              // frees the text; code set 0, language 254; returns 0
-  KtChar operator[](int i) const;  // i up to the length (the terminator), else character 0, code set and language 255
-  operator int() const;            // as strtol with base 0, or decimal under option bit 0; saturates at 32 bits
-  operator short() const;          // the same, the low 16 bits
-  operator long() const;           // decimal
-  operator double() const;         // as atof, whatever the process locale
-  int Atol(long& value) const;     // 0, or -1 (value 0) unless the text starts with a digit or "-"
-  int Strtol(long& value) const;   // the same with base detection
+  int SetNullValue();  // frees the text; code set 0, language 254; returns 0
+  // i up to the length (the terminator), else character 0, code set and language 255. A string's code set 255 is 253 here.
+  KtChar operator[](int i) const;
+  operator int() const;           // as strtol with base 0, or decimal under option bit 0; saturates at 32 bits
+  operator short() const;         // the same, the low 16 bits
+  operator long() const;          // decimal
+  operator double() const;        // as atof, whatever the process locale
+  int Atol(long& value) const;    // 0, or -1 (value 0) unless the text starts with a digit or "-"
+  int Strtol(long& value) const;  // the same with base detection
 
   // --- change ---------------------------------------------------------------------------------------------------
+  // Every operation returns the string. A character or text is taken in the default code set of its width and, but for =,
+  // converted into the string's own; a null pointer is an empty text.
+
+  // Code set and language become those of the source, or the defaults.
   KtString& operator=(const KtString& other);
   KtString& operator=(KtString&& other) noexcept;  // as Destruct
   KtString& operator=(const char* text);
   KtString& operator=(const unsigned short* text);
-  KtString& operator+=(const KtString& other);  // converted into this code set
+  // Code set and language stay. The character 0 adds nothing.
+  KtString& operator+=(const KtString& other);
   inline KtString& operator+=(char ch);
-  KtString& operator+=(unsigned short ch);
+  KtString& operator+=(unsigned short ch);  // one character, in 8-bit strings too, unlike <<
   KtString& operator+=(const char* text);
   KtString& operator+=(const unsigned short* text);
   template <class Number>
@@ -135,6 +150,7 @@ public:
     return *this += KtString(number);
   }
 
+  // As += of the string that x's constructor makes.
   KtString& operator<<(char x);
   KtString& operator<<(const char* x);
   KtString& operator<<(const unsigned short* x);
@@ -150,20 +166,25 @@ public:
 
   KtString& Insert(const KtString& s, unsigned short pos);   // nothing when pos > Len()
   KtString& Replace(const KtString& s, unsigned short pos);  // overwrites; the length never changes
-  KtString& Cut(unsigned short pos, int n);
-  KtString& Fill(unsigned short n, char ch);
+  KtString& Cut(unsigned short pos, int n);                  // nothing when pos >= Len(); n as above
+  KtString& Fill(unsigned short n, char ch);                 // the whole text becomes n times ch; n 0 empties
   KtString& Fill(unsigned short n, unsigned short ch);
-  KtString& Expand(unsigned short n, char ch);
+  KtString& Expand(unsigned short n, char ch);  // adds ch up to the length n; nothing when n <= Len()
   KtString& Expand(unsigned short n, unsigned short ch);
+  // Take away the characters at the ends that are KtChar::IsSpace: blanks, separators, controls.
   KtString& LeftTrim();
   KtString& RightTrim();
   KtString& Trim();
+  // Rewrite every character up to the first zero; a zero that op writes is dropped. ToLower, ToUpper: within the code set.
   KtString& Transform(KtCharOperation& op);
   KtString& ToLower();
   KtString& ToUpper();
+  // Replaces what Find, under the default operator, finds from pos on, as many characters as `from` has; what was put in
+  // is not searched again. Nothing when `from` is empty or pos > Len().
   KtString& ReplaceAll(const KtString& from, const KtString& to, unsigned short pos = 0);
   KtString& ReplaceAll(char from, char to, unsigned short pos = 0);
   KtString& ReplaceAll(unsigned short from, unsigned short to, unsigned short pos = 0);
+  // Parts, in this code set and language: empty when pos >= Len(); n is clipped to what is there.
   KtString Copy(unsigned short pos, int n = 65535) const;
   KtString Left(unsigned short n) const;
   KtString Right(unsigned short n) const;
@@ -171,14 +192,16 @@ public:
   // --- search ---------------------------------------------------------------------------------------------------
   // The first position from pos on at which the pattern matches, or -1; also -1 when either has no buffer or pos is beyond
   // the length. Under 0x10 as many characters as the pattern has are compared; without it the pattern, with "*" put behind
-  // it, is compared to the end of the text (under 0x100, where that "*" is no wildcard, too).
+  // it, is compared to the end of the text. The "*" is put there always, also where it is no wildcard: under 0x100, behind
+  // an escape character, or after SetAsterisk of another character. There the pattern does not match as a beginning.
   int Find(const KtString& pattern, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(char ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(unsigned short ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int SubStringPos(const KtString& s, unsigned short pos = 0) const { return Find(s, pos); }
 
   // --- compare --------------------------------------------------------------------------------------------------
-  // Negative, 0, positive, as KtStrCmp; at most `length` characters, -1 for whole strings.
+  // Negative, 0, positive, as KtStrCmp; at most `length` characters, -1 for whole strings. Under length 0, or below -1,
+  // all are equal but nulls.
   long Compare(const KtString& other, short length = -1, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int EqualsIgnoreLanguage(const KtString& other) const;  // 1 when equal under 0x100 and the common language
 
@@ -217,7 +240,8 @@ inline KtString& KtString::operator+=(char ch) {
   return *this;
 }
 
-// In a's code set and language; empty when memory is exhausted.
+// a's characters, then b's, in a's code set and language; empty when memory is exhausted. What is no string stands for the
+// string that its constructor makes: "x" + s is in the default 8-bit code set.
 KTTM_API KtString operator+(const KtString& a, const KtString& b);
 
 // What a string may be added to and compared with: it stands for the string that its constructor makes. One overload for
@@ -293,17 +317,24 @@ int operator>=(Text a, const KtString& b) {
 }
 
 // Takes the next item of a separated list: the characters from pos up to the separator, trimmed, become item, and pos is
-// set one past the separator's position. A separator at position 0 of the list is skipped. 0, or -2005 at the end.
+// set one past the separator's position, whatever its length. Separators that are found at position 0 of the list are
+// skipped. Returns 0, or -2005 at the end: item is unchanged then, but pos may have gone on.
+//   separator: found as by Find under the default operator; an empty one makes the rest of the list one item.
+//   item may be the list, which then is replaced.
 KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
 
 // Compares two texts. Negative when s1 sorts before s2, 0, or positive.
-//   s2 is the pattern side: only its "*" and "?" act as wildcards, and only without bit 0x10 and 0x100.
+//   s1, s2: terminated texts; a null pointer is an empty one.
+//   s2 is the pattern side: only its wildcards act, and only without bit 0x10 and 0x100. "*" takes any characters, none
+//   too; "?" takes one whole character, a blank or symbol included unless 0x80 or 0x200 drops it; "\" before "*", "?" or
+//   itself makes that an ordinary character, elsewhere it is one. SetAsterisk and its kin exchange the three.
 //   cmpOp: bits as above; 65535 is no default here, but all bits.
 //   length: at most that many characters (-1: the whole texts; 0 and other negative values: equal).
 //   flag: byte order of 16-bit characters, see KtStringIterator.
-//   report: may be null; receives the last primary difference under bit 0x80.
+//   report: may be null; receives the last primary difference under bit 0x80. Untouched under 0x100, with code set 0 on
+//   both sides, and where nulls or the length 0 decide.
 // Null texts come first, and before each length; under wildcards a null s1 is compared as the text that it holds. Both
-// with code set 0: byte order, or a pattern match. Pure.
+// with code set 0: byte order, or a match with a pattern of "*" and "?" alone, without escape. Pure.
 KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,
                        unsigned char language2, const char* s2, unsigned short cmpOp, short length,
                        unsigned char flag = 255, int* report = nullptr);
@@ -311,8 +342,10 @@ KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const ch
 // Hashes, modulo 2^32; pure. HashKtString: the characters as stored; HashKtString7: their low seven bits.
 KTTM_API unsigned long HashKtString(const KtString& s);
 KTTM_API unsigned long HashKtString7(const KtString& s);
-// By collation orders: texts that are equal under their orders hash alike. 0xFEFE7575 for a null text, 0 for length 0;
-// length -1: the whole text; other negative lengths: 0. With code set 0: by bytes.
+// By collation orders: texts that are equal under their orders hash alike. 0xFEFE7575 for a null text, whatever the length.
+//   data: a terminated text; a null pointer is an empty one. flag: as for KtStrCmp.
+//   length: -1 the whole text; positive: exactly that many orders, those behind the end counting as 0; else the hash is 0.
+// With code set 0: by bytes, at most `length`, and those behind the end do not count.
 KTTM_API unsigned long HashString(unsigned char codeSet, unsigned char language, char* data, short length,
                                   unsigned char flag);
 

@@ -1,7 +1,7 @@
 // kttypops.h - the named per-type operations that the rows of the type table point at.
 //
-// All are pure: any thread may call them at any time. Runs may be unaligned. A null pointer with a count above 0 is the
-// caller's error.
+// Compares and sizes are pure, Store and Load change nothing but dst: any thread may call them at any time. Runs may be
+// unaligned, but for arrays of KtString and KtBlob. A null pointer with a count above 0 is the caller's error.
 #ifndef KTTYPOPS_H
 #define KTTYPOPS_H
 
@@ -10,7 +10,8 @@
 // --- compare -----------------------------------------------------------------------------------------------------
 // Compares `count` values of a with those of b, both in `format`.
 //   Result: -1, 0 or +1 for the first pair that differs (some types: any value of that sign).
-//   lengthA, lengthB: bytes of the runs; 0 means exactly `count` values. options: read by the string compares only.
+//   lengthA, lengthB: bytes of the runs; 0 means exactly `count` values. options: a compare operator; read by the string
+//   compares and, bit 0x10 alone, by those of dates that know -1.
 //   Status: 0; KtERR_OVERRUN when a run ends before `count` values were compared, which is checked after a difference
 //   too: the result is that of the pairs read so far.
 #define KT_COMPARE_ARGUMENTS                                                                                    \
@@ -28,7 +29,10 @@ KTTM_API long FloatCompare(KT_COMPARE_ARGUMENTS);     // NaN is equal to everyth
 KTTM_API long DoubleCompare(KT_COMPARE_ARGUMENTS);    // NaN is equal to everything
 KTTM_API long Int64Compare(KT_COMPARE_ARGUMENTS);     // signed 64 bits
 KTTM_API long BooleanCompare(KT_COMPARE_ARGUMENTS);   // null (255), then the order of KtBoolean's < and >
-KTTM_API long StringCompare(KT_COMPARE_ARGUMENTS);    // KtStrCmp of each pair under `options`, reduced to -1, 0, +1
+// KtStrCmp of each pair under `options`, reduced to -1, 0, +1. Index keys (0x80) are compared by their words, without
+// wildcards, code set 0 apart. Where the outcome lies behind the end of a cut key, that key counts as the greater one, and
+// the status is KtERR_OVERRUN.
+KTTM_API long StringCompare(KT_COMPARE_ARGUMENTS);
 
 // Dates and times. Every code but 8 is a disk form. A result is what the class's != gives in memory form (for dates the
 // difference of fields or of days); on disk -1, 0 or +1, and the bytes are signed.
@@ -58,11 +62,15 @@ KTTM_API long BlobCompare(KT_COMPARE_ARGUMENTS);
 // counts as the native one, 0x80 index key form.
 
 // Writes `count` disk records of the KtString array at src. Result: bytes written, modulo 65,536 (use the sizes to step).
+// The one text that a record cannot hold raises the assertion "String overflow" && 0 and is clipped to 65,531 bytes.
 KTTM_API unsigned long StringStore(void* dst, const void* src, unsigned char format, unsigned long count);
 // Reads `count` disk records, of the current or the older form, into the KtString array at dst, whose texts are replaced.
-// Result: bytes consumed, modulo 65,536. Never reads past a record, whatever its length word says.
+// Where an older record has fewer than `count` texts, empty strings follow them. A string whose text finds no memory stays
+// as it was. Result: bytes consumed, modulo 65,536. Never reads past a record, whatever its length word says.
 KTTM_API unsigned long StringLoad(void* dst, const void* src, unsigned char format, unsigned long count);
-// Disk bytes of `count` strings; data is disk records, or a KtString array when givenFormat has bit 8.
+// Disk bytes of `count` strings; data is disk records, or a KtString array when givenFormat has bit 8. A record of the older
+// form ends the walk, and its own size (L + 2) is the result, whatever `count` says. Under 0x80: room enough for the index
+// keys.
 KTTM_API unsigned long StringSizeGet(const void* data, unsigned char givenFormat, unsigned char format,
                                      unsigned long count);
 
