@@ -184,6 +184,43 @@ TEST(DateText, wide_texts_scan_as_narrow_ones_do) {
   EXPECT_EQ(scanned(null, "%Y"), "null");
 }
 
+// Two texts in code sets that differ, or that lack the other's characters.
+TEST(DateText, null_is_recognised_by_characters) {
+  const auto in = [](unsigned char codeSet, const char16_t* text) {
+    KtString s(codeSet, static_cast<unsigned char>(1));
+    return s += reinterpret_cast<const unsigned short*>(text);
+  };
+  struct Case {
+    unsigned char nullSet;
+    const char16_t* null;
+    unsigned char set;
+    const char16_t* text;
+    const char *format, *expected;
+  };
+  const Case cases[] = {
+      {253, u"なし", 253, u"火曜 2005-06-28", "xx %Y-%m-%d", "2005-06-28 00:00:00"},
+      {253, u"なし", 253, u"なし", "%Y", "null"},
+      {253, u"∅", 253, u"∆", "%Y", "0000-01-01 00:00:00"},
+      {253, u"∅", 1, u"\x1A", "%Y", "0000-01-01 00:00:00"},
+      {10, u"€", 253, u"€ 5", "%Y", "null"},
+      {253, u"€", 10, u"€ 5", "%Y", "null"},
+      {10, u"€", 5, u"€", "%Y", "null"},  // bytes 0x80 and 0xA4
+      {10, u"€", 5, u"¥2005", "x%Y", "2005-01-01 00:00:00"},
+      {1, u"ä", 3, u"ф2005", "x%Y", "2005-01-01 00:00:00"},  // both are byte 0xE4
+      {3, u"нет", 12, u"нет", "%Y", "null"},
+      {1, u"null", 253, u"nul", "%Y", "0000-01-01 00:00:00"},
+      {1, u"null", 253, u"", "%Y", "0000-01-01 00:00:00"},
+      {1, u"null", 253, u"nullx", "%Y", "null"},
+      {1, u"", 253, u"2005", "%Y", "null"},  // every text begins with an empty one
+  };
+  const KtString old = KtTypeMgr::GetNullPrintString();
+  for (const Case& c : cases) {
+    KtTypeMgr::SetNullPrintString(in(c.nullSet, c.null));
+    EXPECT_EQ(scanned(in(c.set, c.text), c.format), c.expected) << &c - cases;
+  }
+  KtTypeMgr::SetNullPrintString(old);
+}
+
 // Every directive that keeps its part of the value, alone beside what the others need.
 TEST(DateText, what_is_printed_scans_back) {
   const char* formats[] = {"%Y-%m-%d %H:%M:%S",     "%a %e.%b %Y %I:%M:%S %p",

@@ -63,6 +63,27 @@ TEST(TypeManager, bytes_stay_one_text_while_char_prints_otherwise) {
   EXPECT_STREQ(bytes.StrGet(), "abc");
 }
 
+TEST(TypeManager, the_null_print_string_may_have_characters_that_other_code_sets_lack) {
+  const auto wide = [](const char16_t* text) { return KtString(reinterpret_cast<const unsigned short*>(text)); };
+  KtTypeMgr mgr(12);
+  KtTypeMgr::SetNullPrintString(wide(u"なし"));
+  for (const auto id :
+       {KT_ID_KtBoolean, KT_ID_KtNull_int, KT_ID_KtObjId, KT_ID_KtClassId, KT_ID_KtBlob, KT_ID_KtTime}) {
+    const auto isNullAfter = [&](KtString text) {
+      void* value = mgr.DefaultValue(id, 1, 0);
+      KtString number("15-6#7v8");
+      mgr.ScanFromKtString(id, value, number, nullptr, 1);
+      mgr.ScanFromKtString(id, value, text, nullptr, 1);
+      const bool isNull = mgr.IsNullValue(id, value) != 0;
+      mgr.Delete(id, value, 1);
+      return isNull;
+    };
+    EXPECT_TRUE(isNullAfter(wide(u"なし"))) << int{id};
+    EXPECT_FALSE(isNullAfter(wide(u"火5-6#7v8"))) << int{id};
+  }
+  KtTypeMgr::SetNullPrintString("{NULL}");
+}
+
 TEST(TypeManager, the_null_print_string_is_process_wide) {
   EXPECT_STREQ(KtTypeMgr::GetNullPrintString().StrGet(), "{NULL}");
   KtTypeMgr::SetNullPrintString("nil");

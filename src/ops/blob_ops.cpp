@@ -6,7 +6,6 @@
 #include "ops/run_compare.h"
 #include "ops/run_hash.h"
 #include "ops/string_array.h"
-#include "values/narrow_text.h"
 #include "values/null_text.h"
 #include "values/text_builder.h"
 
@@ -124,9 +123,7 @@ KtString& BlobOps::print(KtString& out, void* values, const char* format, unsign
 
 void* BlobOps::scan(void* values, KtString& in, const char*, unsigned long) {
   if (values == nullptr) return nullptr;
-  const NarrowText text(in);
-  const NarrowText null(nullPrintString());
-  if (text.length() == null.length() && text.beginsWith(null)) at(values)->SetNullValue();
+  if (beginsWithNullText(in) && in.Len() == nullPrintString().Len()) at(values)->SetNullValue();
   return values;
 }
 

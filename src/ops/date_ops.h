@@ -160,8 +160,7 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
     printDateTime(out, value, format == nullptr ? kDateTimeFormat : format);
   }
   static bool scan(void* value, const KtString& in, const char* format) {
-    scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
-    return true;
+    return scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
   }
   static KtString toText(const KtDateTime& v);
   static KtDateTime fromText(const KtString& s);

@@ -97,7 +97,7 @@ struct IdentityValue {
     readValue<Memory>(value).PrintToKtString(out, formatOrDefault(format));
   }
   static bool scan(void* value, const KtString& in, const char* format) {
-    Memory scanned;
+    auto scanned = readValue<Memory>(value);
     scanned.ScanFromKtString(in, formatOrDefault(format));
     std::memcpy(value, &scanned, sizeof scanned);
     return true;

@@ -6,6 +6,7 @@
 #include "kttypops.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
+#include "values/int64_text.h"
 
 namespace kt {
 
@@ -41,10 +42,10 @@ struct Int64Value : ScalarCompare<Int64Value, KtInt64> {
   }
   // Every text gives a number, an unfit one -1.
   static bool scan(void* value, const KtString& in, const char* format) {
-    KtInt64 number;
-    number.ScanFromKtString(in, format);
+    auto number = readValue<KtInt64>(value);
+    const bool isScanned = scanInt64(number, in, format);
     std::memcpy(value, &number, sizeof number);
-    return true;
+    return isScanned;
   }
 };
 

@@ -122,7 +122,8 @@ void OdmgDateValue::print(KtString& out, void* value, const char* format) {
 }
 
 bool OdmgDateValue::scan(void* value, const KtString& in, const char* format) {
-  return put(value, d_Date(scanDateTime(in, format)));
+  KtDateTime scanned = KtDateTime::Null();
+  return scanDateTime(in, format, &scanned) && put(value, d_Date(scanned));
 }
 
 // --- d_Time -------------------------------------------------------------------------------------------------------------
@@ -143,8 +144,10 @@ void OdmgTimeValue::print(KtString& out, void* value, const char* format) {
 }
 
 bool OdmgTimeValue::scan(void* value, const KtString& in, const char* format) {
+  KtDateTime scanned = KtDateTime::Null();
+  if (!scanDateTime(in, format, &scanned)) return false;
   auto time = readValue<d_Time>(value);
-  setUniversalTime(time, scanDateTime(in, format).time);
+  setUniversalTime(time, scanned.time);
   return put(value, time);
 }
 
@@ -172,8 +175,9 @@ void OdmgTimestampValue::print(KtString& out, void* value, const char* format) {
 }
 
 bool OdmgTimestampValue::scan(void* value, const KtString& in, const char* format) {
+  KtDateTime scanned = KtDateTime::Null();
+  if (!scanDateTime(in, format, &scanned)) return false;
   auto timestamp = readValue<d_Timestamp>(value);
-  const KtDateTime scanned = scanDateTime(in, format);
   timestamp.date = scanned.date;
   setUniversalTime(timestamp.time, scanned.time);
   return put(value, timestamp);
@@ -189,7 +193,8 @@ void OdmgIntervalValue::print(KtString& out, void* value, const char* format) {
 }
 
 bool OdmgIntervalValue::scan(void* value, const KtString& in, const char* format) {
-  const KtDateTime period = scanPeriod(in, format);
+  KtDateTime period = KtDateTime::Null();
+  if (!scanPeriod(in, format, period)) return false;
   return put(value, static_cast<float>(period.date.day * 86400L + static_cast<long>(period.time)));
 }
 

@@ -52,7 +52,8 @@ struct SealValue {
   }
   static void print(KtString& out, void* value, const char*) { readValue<KtSeal>(value).PrintToKtString(out); }
   static bool scan(void* value, const KtString& in, const char*) {
-    const KtSeal seal = fromText(in);
+    auto seal = readValue<KtSeal>(value);
+    seal.ScanFromKtString(in);
     std::memcpy(value, &seal, sizeof seal);
     return true;
   }

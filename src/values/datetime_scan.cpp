@@ -210,40 +210,41 @@ Fields readFields(const unsigned char* value) {
   return fields;
 }
 
-bool writeFields(unsigned char* value, const Fields& fields) {
-  std::memcpy(value, &fields, sizeof fields);
-  return true;
+void writeFields(unsigned char* value, const Fields& fields) { std::memcpy(value, &fields, sizeof fields); }
+
+[[gnu::noinline]] void scanRest(const char* end, const Scanned& start, unsigned char* value) {
+  writeFields(value, Scanner(end, start, readFields(value)).scan());
 }
 
-[[gnu::noinline]] bool scanRest(const char* end, const Scanned& start, unsigned char* value) {
-  return writeFields(value, Scanner(end, start, readFields(value)).scan());
-}
-
-// Any text by any format. False where the text is null.
-[[gnu::noinline]] bool scanAny(const KtString& in, const char* format, unsigned char* value) {
+// Any text by any format.
+[[gnu::noinline]] Found scanAny(const KtString& in, const char* format, const Fields& start, unsigned char* value) {
+  if (beginsWithNullText(in)) {
+    writeFields(value, kNullFields);
+    return Found::kNull;
+  }
   const NarrowText text(in);
-  if (!text.beginsWith(NarrowText(nullPrintString())))
-    return scanRest(text.end(), {-static_cast<long>(text.length()), format}, value);
-  writeFields(value, kNullFields);
-  return false;
+  if (!text.isThere()) return Found::kNoMemory;
+  writeFields(value, start);
+  scanRest(text.end(), {-static_cast<long>(text.length()), format}, value);
+  return Found::kFields;
 }
 
 // Whether the bytes of the text are its characters, and surely not those of the null text.
-inline bool isPlain(const KtString& in, const KtString& null) {
-  if (in.CharSize() != 1 || in.buffer == nullptr || mayHoldZero(in.buffer, in.bufferSize)) return false;
-  return null.CharSize() == 1 && null.buffer != nullptr && *null.buffer != '\0' && *null.buffer != *in.buffer;
+inline bool isPlain(const KtString& in) {
+  return differAtOnce(in, nullPrintString()) && !mayHoldZero(in.buffer, in.bufferSize);
 }
 
-// Into a value that starts as what the fields are that the format does not name. False where the text is null.
-[[gnu::always_inline]] inline bool scanFields(const KtString& in, const char* format, const Fields& start,
-                                              unsigned char* value) {
+// Into a value that starts as what the fields are that the format does not name, or stays as it was where memory ran out.
+[[gnu::always_inline]] inline Found scanFields(const KtString& in, const char* format, const Fields& start,
+                                               unsigned char* value) {
+  if (!isPlain(in)) [[unlikely]]
+    return scanAny(in, format, start, value);
   writeFields(value, start);
-  if (!isPlain(in, nullPrintString())) [[unlikely]]
-    return scanAny(in, format, value);
   const long length = in.bufferSize - 1L;
   const char* const end = in.buffer + length;
   const Scanned plain = scanPlain(end, -length, format, value);
-  return *plain.format == '\0' || scanRest(end, plain, value);
+  if (*plain.format != '\0') scanRest(end, plain, value);
+  return Found::kFields;
 }
 
 // As KtDate::IsDate, without day numbers: the end of a month is nothing that could be predicted.
@@ -268,23 +269,20 @@ inline bool isValid(const unsigned char* value) {
 
 }  // namespace
 
-void scanDateTime(const KtString& in, const char* format, void* value) {
+bool scanDateTime(const KtString& in, const char* format, void* value) {
   auto* const fields = static_cast<unsigned char*>(value);
-  if (scanFields(in, format, Fields(), fields) && !isValid(fields)) makeValid(fields);
+  const Found found = scanFields(in, format, Fields(), fields);
+  if (found == Found::kFields && !isValid(fields)) makeValid(fields);
+  return found != Found::kNoMemory;
 }
 
-KtDateTime scanDateTime(const KtString& in, const char* format) {
-  unsigned char value[sizeof(KtDateTime)];
-  scanDateTime(in, format, value);
-  return std::bit_cast<KtDateTime>(value);
-}
-
-KtDateTime scanPeriod(const KtString& in, const char* format) {
+bool scanPeriod(const KtString& in, const char* format, KtDateTime& value) {
   Fields start;
   start.day = 0;
-  unsigned char value[sizeof(KtDateTime)];
-  scanFields(in, format, start, value);
-  return std::bit_cast<KtDateTime>(value);
+  unsigned char fields[sizeof value];
+  if (scanFields(in, format, start, fields) == Found::kNoMemory) return false;
+  value = std::bit_cast<KtDateTime>(fields);
+  return true;
 }
 
 }  // namespace kt

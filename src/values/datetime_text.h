@@ -24,14 +24,13 @@ inline KtString& printDateTime(KtString& out, const KtDateTime& value, const cha
 }
 KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format, FromClock fromClock);
 
-// What the text holds; null when it begins with the null print string; a valid value or 0000-00-00 00:00:00 else.
-KtDateTime scanDateTime(const KtString& in, const char* format);
-
-// The same into the 8 bytes at value, which need no alignment and lie in no text.
-void scanDateTime(const KtString& in, const char* format, void* value);
+// The value becomes what the text holds: null when it begins with the null print string; a valid value, 0000-01-01
+// 00:00:00 or all zeros else. It is that of the 8 bytes at value, which need no alignment and lie in no text. False, and
+// the value is as it was, when memory ran out.
+bool scanDateTime(const KtString& in, const char* format, void* value);
 
 // The same from day 0 instead of day 1, and without a check: a period of time, its fields as they were read.
-KtDateTime scanPeriod(const KtString& in, const char* format);
+bool scanPeriod(const KtString& in, const char* format, KtDateTime& value);
 
 }  // namespace kt
 

@@ -111,10 +111,11 @@ KtString& printIdentity(KtString& out, const IdentityForm& form, const IdentityF
   return text.moveTo(out);
 }
 
-bool scanIdentity(const KtString& in, const IdentityForm& form, const char* format, IdentityFields& fields) {
+Found scanIdentity(const KtString& in, const IdentityForm& form, const char* format, IdentityFields& fields) {
   fields = {};
+  if (beginsWithNullText(in)) return Found::kNull;
   const NarrowText narrow(in);
-  if (narrow.beginsWith(NarrowText(nullPrintString()))) return false;
+  if (!narrow.isThere()) return Found::kNoMemory;
   TextReader text(narrow);
   FormatReader reader(form, format);
   while (!reader.atEnd() && !text.atEnd()) {
@@ -125,7 +126,7 @@ bool scanIdentity(const KtString& in, const IdentityForm& form, const char* form
       text.skipCharacter();
     }
   }
-  return true;
+  return Found::kFields;
 }
 
 }  // namespace kt

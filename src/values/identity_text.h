@@ -5,6 +5,7 @@
 #include "ktclassid.h"
 #include "ktobjid.h"
 #include "ktref.h"
+#include "values/narrow_text.h"
 
 #include <array>
 #include <cstdint>
@@ -35,8 +36,8 @@ using IdentityFields = std::array<std::uint32_t, kIdentityFieldCount>;
 // Replaces out. The format is read up to its terminator, whatever it ends with.
 KtString& printIdentity(KtString& out, const IdentityForm& form, const IdentityFields& fields, const char* format);
 
-// Sets every field. False when the text stands for null; the fields are 0 then.
-bool scanIdentity(const KtString& in, const IdentityForm& form, const char* format, IdentityFields& fields);
+// Sets every field, to 0 where the text does not name it, stands for null or could not be read.
+Found scanIdentity(const KtString& in, const IdentityForm& form, const char* format, IdentityFields& fields);
 
 }  // namespace kt
 

@@ -15,10 +15,11 @@ KtString& KtBoolean::PrintToKtString(KtString& out, const char*) const {
 
 void KtBoolean::ScanFromKtString(const KtString& in, const char*) {
   static constexpr const char* kTrueTexts[] = {"T", "t", "TRUE", "true", "1"};
-  const kt::NarrowText text(in);
-  if (text.beginsWith(kt::NarrowText(kt::nullPrintString()))) {
+  if (kt::beginsWithNullText(in)) {
     SetNullValue();
     return;
   }
+  const kt::NarrowText text(in);
+  if (!text.isThere()) return;
   value = std::any_of(std::begin(kTrueTexts), std::end(kTrueTexts), [&](const char* t) { return text.equals(t); });
 }

@@ -24,5 +24,7 @@ KtString& KtDate::PrintToKtString(KtString& out, const char* format) const {
 }
 
 void KtDate::ScanFromKtString(const KtString& in, const char* format) {
-  *this = kt::scanDateTime(in, format == nullptr ? "%Y-%m-%d" : format).date;
+  KtDateTime record(*this, KtTime(0, 0, 0));
+  kt::scanDateTime(in, format == nullptr ? "%Y-%m-%d" : format, &record);
+  *this = record.date;
 }

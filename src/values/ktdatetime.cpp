@@ -68,7 +68,7 @@ KtString& KtDateTime::PrintToKtString(KtString& out, const char* format) const {
 }
 
 void KtDateTime::ScanFromKtString(const KtString& in, const char* format) {
-  *this = kt::scanDateTime(in, format == nullptr ? kt::kDateTimeFormat : format);
+  kt::scanDateTime(in, format == nullptr ? kt::kDateTimeFormat : format, this);
 }
 
 int GetSystemTimeInMSSinceTheEpoch(KtInt64& result) {

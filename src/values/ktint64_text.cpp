@@ -5,6 +5,7 @@
 #include "text/integer_digits.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
+#include "values/int64_text.h"
 #include "values/narrow_text.h"
 #include "values/string_edit.h"
 
@@ -167,10 +168,13 @@ bool scanText(const char* at, const char* end, const char* format, KtInt64& numb
   return true;
 }
 
-[[gnu::noinline]] KtInt64 scanAnyText(const KtString& in, const char* format) {
+// False, and the number is as it was, when memory ran out.
+[[gnu::noinline]] bool scanAnyText(KtInt64& number, const KtString& in, const char* format) {
   const kt::NarrowText text(in);
-  KtInt64 number;
-  return scanText(text.begin(), text.end(), format, number) ? number : KtInt64(-1);
+  if (!text.isThere()) return false;
+  KtInt64 scanned;
+  number = scanText(text.begin(), text.end(), format, scanned) ? scanned : KtInt64(-1);
+  return true;
 }
 
 constexpr unsigned kLongestShort = 25;
@@ -211,8 +215,12 @@ KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
   return printText(out, *this, format);
 }
 
-void KtInt64::ScanFromKtString(const KtString& in, const char* format) {
+void KtInt64::ScanFromKtString(const KtString& in, const char* format) { kt::scanInt64(*this, in, format); }
+
+bool kt::scanInt64(KtInt64& number, const KtString& in, const char* format) {
   if (format == nullptr) format = kDefaultFormat;
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
-  *this = isNumberOnly && isShortText(in) ? scanShortText(in, format[1]) : scanAnyText(in, format);
+  if (!isNumberOnly || !isShortText(in)) return scanAnyText(number, in, format);
+  number = scanShortText(in, format[1]);
+  return true;
 }

@@ -25,7 +25,7 @@ KtString& KtObjId::PrintToKtString(KtString& out, const char* format) const {
 
 void KtObjId::ScanFromKtString(const KtString& in, const char* format) {
   kt::IdentityFields fields;
-  kt::scanIdentity(in, kt::kObjIdForm, formatOr(format, kt::kObjIdFormat), fields);
+  if (kt::scanIdentity(in, kt::kObjIdForm, formatOr(format, kt::kObjIdFormat), fields) == kt::Found::kNoMemory) return;
   *this = KtObjId(fields[kt::kBlock], fields[kt::kLow], narrow(fields[kt::kHigh]));
 }
 
@@ -36,9 +36,9 @@ KtString& KtDBOId::PrintToKtString(KtString& out, const char* format) const {
 }
 
 void KtDBOId::ScanFromKtString(const KtString& in, const char* format) {
-  KtObjId id;
-  id.ScanFromKtString(in, format);
-  *this = id;
+  kt::IdentityFields fields;
+  if (kt::scanIdentity(in, kt::kObjIdForm, formatOr(format, kt::kObjIdFormat), fields) == kt::Found::kNoMemory) return;
+  *this = KtObjId(fields[kt::kBlock], fields[kt::kLow], narrow(fields[kt::kHigh]));
 }
 
 // --- KtClassId --------------------------------------------------------------------------------------------------------
@@ -51,11 +51,11 @@ KtString& KtClassId::PrintToKtString(KtString& out, const char* format) const {
 
 void KtClassId::ScanFromKtString(const KtString& in, const char* format) {
   kt::IdentityFields fields;
-  if (!kt::scanIdentity(in, kt::kClassIdForm, formatOr(format, kt::kClassIdFormat), fields)) {
-    SetNullValue();
-    return;
+  switch (kt::scanIdentity(in, kt::kClassIdForm, formatOr(format, kt::kClassIdFormat), fields)) {
+    case kt::Found::kFields: *this = KtClassId(narrow(fields[kt::kClassNumber]), narrow(fields[kt::kVersion])); return;
+    case kt::Found::kNull: SetNullValue(); return;
+    case kt::Found::kNoMemory: return;
   }
-  *this = KtClassId(narrow(fields[kt::kClassNumber]), narrow(fields[kt::kVersion]));
 }
 
 // --- KtRef ------------------------------------------------------------------------------------------------------------
@@ -68,7 +68,7 @@ KtString& KtRef::PrintToKtString(KtString& out, const char* format) const {
 
 void KtRef::ScanFromKtString(const KtString& in, const char* format) {
   kt::IdentityFields fields;
-  kt::scanIdentity(in, kt::kRefForm, formatOr(format, kt::kRefFormat), fields);
+  if (kt::scanIdentity(in, kt::kRefForm, formatOr(format, kt::kRefFormat), fields) == kt::Found::kNoMemory) return;
   *this = KtObjId(fields[kt::kBlock], fields[kt::kLow], narrow(fields[kt::kHigh]));
   *this = KtClassId(narrow(fields[kt::kClassNumber]), narrow(fields[kt::kVersion]));
   database = narrow(fields[kt::kDatabase]);
@@ -84,6 +84,7 @@ KtString& KtLocalRef::PrintToKtString(KtString& out, const char* format) const {
 
 void KtLocalRef::ScanFromKtString(const KtString& in, const char* format) {
   KtRef ref;
+  ref = *this;
   ref.ScanFromKtString(in, formatOr(format, kt::kLocalRefFormat));
   *this = ref;
 }

@@ -28,7 +28,8 @@ KtString& KtSeal::PrintToKtString(KtString& out) const {
 }
 
 void KtSeal::ScanFromKtString(const KtString& in) {
-  KtInt64 number;  // stays 0 where there is no text
+  KtInt64 number;
+  ConvertTo(number);
   number.ScanFromKtString(in, "%S");
   ConvertFrom(number);
 }

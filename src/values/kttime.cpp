@@ -22,5 +22,7 @@ KtString& KtTime::PrintToKtString(KtString& out, const char* format) const {
 }
 
 void KtTime::ScanFromKtString(const KtString& in, const char* format) {
-  *this = kt::scanDateTime(in, format == nullptr ? "%H:%M:%S" : format).time;
+  KtDateTime record(KtDate(0, 1, 1), *this);
+  kt::scanDateTime(in, format == nullptr ? "%H:%M:%S" : format, &record);
+  *this = record.time;
 }

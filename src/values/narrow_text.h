@@ -11,9 +11,13 @@
 
 namespace kt {
 
+// What a scanner found in a text. Without memory the value stays as it was.
+enum class Found { kFields, kNull, kNoMemory };
+
 // A view of a string's text, converted where it has 16-bit characters, with a terminator. Lives no longer than the string.
 //
-// Only a long text of 16-bit characters takes memory; without it, it counts as an empty one.
+// Only a long text of 16-bit characters takes memory. Without it the text is an empty one that is not there: who changes
+// a value by the text leaves it as it was.
 class NarrowText {
 public:
   explicit NarrowText(const KtString& in) {
@@ -33,16 +37,12 @@ public:
   NarrowText(const NarrowText&) = delete;
   NarrowText& operator=(const NarrowText&) = delete;
 
+  bool isThere() const { return !copy_ || copy_->buffer != nullptr; }
   const char* begin() const { return text_; }
   const char* end() const { return text_ + length_; }
   unsigned long length() const { return length_; }
 
   bool equals(const char* text) const { return std::strlen(text) == length_ && std::memcmp(text_, text, length_) == 0; }
-  // Every text begins with an empty one.
-  bool beginsWith(const NarrowText& other) const {
-    if (other.length_ == 0) return true;
-    return other.length_ <= length_ && *text_ == *other.text_ && std::memcmp(text_, other.text_, other.length_) == 0;
-  }
 
 private:
   void narrow(const KtString& in) {

@@ -204,14 +204,15 @@ struct Expected {
   Images before, after, withoutContent;
 };
 
+bool isStringRow(const Row& row) { return managerOf(row).IsFixed(row.id) == 0 && row.format != nullptr; }
+
 // A text that could not be copied has the code set and the language already.
 void addEmptyStrings(const Row& row, Images& images) {
-  const bool isStringRow = managerOf(row).IsFixed(row.id) == 0 && row.format != nullptr;
   for (const int codeSet : {0, 1, 253}) {
     for (const int language : {0, 1, 254}) {
       KtString s(codeSet, language);
       images.push_back(imageOf(s));
-      if (isStringRow) images.push_back(imagesOf(row, &s, 1)[0]);
+      if (isStringRow(row)) images.push_back(imagesOf(row, &s, 1)[0]);
     }
   }
   images.push_back("");
@@ -306,6 +307,43 @@ TEST(AllocationFailure, leaves_the_values_of_all_rows_valid) {
     for (const Operation& operation : kOperations) {
       for (const unsigned long count : {std::size_t{1}, row.samples.size()}) check(row, operation, count);
     }
+  }
+}
+
+KtString longWideText(const KtString& end) {
+  KtString text(253, 1);
+  text.Fill(190, ' ') += end;
+  return text;
+}
+
+// It cannot be converted; the null print string need not be.
+TEST(AllocationFailure, scanning_a_long_wide_text_leaves_the_value) {
+  for (const Row& row : rows()) {
+    KtString text = longWideText(Scene(row, 1).text);
+    for (const Sample& sample : row.samples) {
+      const Values value = make(row, sample);
+      const Images before = imagesOf(row, value.get(), 1);
+      FailingAllocations failing(1, Fail::kAllFrom);
+      managerOf(row).ScanFromKtString(row.id, value.get(), text, nullptr, 1);
+      failing.stop();
+      EXPECT_EQ(imagesOf(row, value.get(), 1), before) << row.stem;
+    }
+  }
+}
+
+TEST(AllocationFailure, scanning_beside_a_long_wide_null_print_string_takes_no_memory) {
+  const KtString old = KtTypeMgr::GetNullPrintString();
+  for (const Row& row : rows()) {
+    if (isStringRow(row)) continue;
+    Scene with(row, 1), without(row, 1);
+    KtTypeMgr::SetNullPrintString(longWideText(""));
+    with.mgr.ScanFromKtString(row.id, with.target.get(), with.text, nullptr, 1);
+    FailingAllocations failing(1, Fail::kAllFrom);
+    without.mgr.ScanFromKtString(row.id, without.target.get(), without.text, nullptr, 1);
+    failing.stop();
+    KtTypeMgr::SetNullPrintString(old);
+    EXPECT_FALSE(failing.hasFailed()) << row.stem;
+    EXPECT_EQ(resultOf(without), resultOf(with)) << row.stem;
   }
 }
 
