@@ -202,15 +202,44 @@ inline const char* blockEnd(const KtString& out) {
   return out.buffer + (block < kMaxTextBytes ? block - 2 : kMaxTextBytes - 1);
 }
 
-// What is left of the format from `next` on.
-[[gnu::noinline]] KtString& printRest(KtString& out, const void* value, const char* format, const char* next) {
-  Printer printer(value, format, next);
-  if (takesCharacters(out)) grow(out, printer.print(out.buffer + out.bufferSize - 1, blockEnd(out)));
-  char piece[256];
-  while (!printer.isDone()) {
-    const char* end = printer.print(piece, piece + sizeof piece);
-    append(out, piece, narrowSet(), static_cast<unsigned long>(end - piece));
+// A piece of what is printed.
+struct Piece {
+  bool appendTo(KtString& out) const { return append(out, text, narrowSet(), length); }
+  // False where nothing is left.
+  bool take(Printer& printer) {
+    length = static_cast<unsigned long>(printer.print(text, text + sizeof text) - text);
+    return !printer.isDone();
   }
+
+  unsigned long length = 0;
+  char text[256];
+};
+
+[[gnu::noinline]] bool appendPieces(KtString& out, Piece& piece, Printer& printer) {
+  KtString whole(narrowSet(), out.language);
+  bool isMore = true;
+  while (isMore && piece.appendTo(whole)) isMore = piece.take(printer);
+  return !isMore && piece.appendTo(whole) && append(out, whole.buffer, narrowSet(), appendPosition(whole));
+}
+
+// Appends what is left, wherever that has room: as a whole, or nothing and false when memory runs out.
+inline bool appendRest(KtString& out, Printer& printer) {
+  Piece piece;
+  return piece.take(printer) ? appendPieces(out, piece, printer) : piece.appendTo(out);
+}
+
+[[gnu::noinline]] KtString& printElsewhere(KtString& out, const void* value, const char* format) {
+  Printer printer(value, format, format);
+  appendRest(out, printer);
+  return out;
+}
+
+// Behind what of the format was put behind the text already. Without memory that is taken back.
+[[gnu::noinline]] KtString& printRest(KtString& out, const void* value, const char* format, Progress plain) {
+  Printer printer(value, format, plain.format);
+  const unsigned long old = out.bufferSize;
+  grow(out, printer.print(plain.at, blockEnd(out)));
+  if (!printer.isDone() && !appendRest(out, printer)) grow(out, out.buffer + old - 1);
   return out;
 }
 
@@ -261,11 +290,12 @@ KtString& printDateTime(KtString& out, const void* value, const char* format) {
   if (liesIn(out, format)) [[unlikely]]
     return printByOwnText(out, value, format);
   if (!takesCharacters(out)) [[unlikely]]
-    return printRest(out, value, format, format);
-  const auto [end, next] =
+    return printElsewhere(out, value, format);
+  const Progress plain =
       printPlain(out.buffer + out.bufferSize - 1, blockEnd(out), format, static_cast<const unsigned char*>(value));
-  grow(out, end);
-  return *next == '\0' ? out : printRest(out, value, format, next);
+  if (*plain.format != '\0') return printRest(out, value, format, plain);
+  grow(out, plain.at);
+  return out;
 }
 
 KtString& printDateTime(KtString& out, const KtDateTime& value, const char* format, FromClock fromClock) {

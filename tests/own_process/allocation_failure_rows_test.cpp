@@ -72,6 +72,8 @@ struct Scene {
     KtString* all = mgr.ConvertToKtStringOld(source.get(), row.id, count);
     joined = *all;
     mgr.Delete(KT_ID_KtString, all, 1);
+    for (const int length : {16, 20, 25, 30, 40}) filled.emplace_back().Fill(static_cast<unsigned short>(length), 'f');
+    filled.back().SetCodeSet(253);
     raw.resize((count * mgr.MemLenGet(row.id, 1) + sizeof(double) - 1) / sizeof(double));
   }
   Scene(const Scene&) = delete;
@@ -92,7 +94,8 @@ struct Scene {
   std::string disk, swapped;
   KtTypeConvertData* texts = nullptr;
   KtString text, wideText, joined;
-  std::vector<double> raw;  // room without values
+  std::vector<KtString> filled;  // little room is left in their blocks
+  std::vector<double> raw;       // room without values
 
   void* made = nullptr;
   bool rawIsUsed = false;
@@ -125,6 +128,7 @@ Images resultOf(Scene& scene) {
   }
   images.push_back(scene.list == nullptr ? "" : imageOf(*scene.list));
   images.push_back(imageOf(scene.out));
+  for (const KtString& text : scene.filled) images.push_back(imageOf(text));
   images.push_back(imageOf(scene.bounds.lowKey, scene.bounds.lowKeyLength));
   images.push_back(imageOf(scene.bounds.highKey, scene.bounds.highKeyLength));
   return images;
@@ -179,6 +183,10 @@ constexpr Operation kOperations[] = {
     {"ConvertFrom, older", kLists,
      [](Scene& s) { s.made = s.mgr.ConvertFromKtStringOld(&s.joined, s.row.id, s.count); }},
     {"PrintToKtString", kValues, [](Scene& s) { s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), nullptr, 1); }},
+    {"PrintToKtString behind a text", kValues,
+     [](Scene& s) {
+       for (KtString& text : s.filled) s.mgr.PrintToKtString(s.row.id, text, s.source.get(), nullptr, 1);
+     }},
     {"PrintToKtString of a run", kLists,
      [](Scene& s) { s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), nullptr, s.count); }},
     {"PrintToKtString of long text", kLists,
@@ -279,6 +287,7 @@ const char* tryAgain(const Row& row, const Operation& operation, const Expected&
   }
   if (scene.made != nullptr || scene.rawIsUsed || scene.holder != nullptr || scene.list != nullptr) return nullptr;
   if (!scene.out.IsEmpty() || operation.kind != kValues) return nullptr;
+  scene.filled = Scene(row, count).filled;  // some had the room
   operation.run(scene);
   return resultOf(scene) == expected.after ? nullptr : "differs in the next try";
 }

@@ -248,6 +248,34 @@ TEST(AllocationFailure, tells_that_a_text_has_no_multi_byte_form) {
   EXPECT_EQ(KtMBS2KtString(kMultiByte.c_str(), decoded, static_cast<long>(kMultiByte.size())), -1);
 }
 
+// --- dates and times ------------------------------------------------------------------------------------------------------
+
+// Behind texts that leave little room in their blocks, no room, none of the kind, or have none.
+TEST(AllocationFailure, prints_dates_as_a_whole_or_not_at_all) {
+  const KtDateTime value(KtDate(2005, 6, 28), KtTime(12, 34, 56));
+  std::string longFormat;
+  while (longFormat.size() < 900) longFormat += "%A, %d ";
+  const std::string formats[] = {"%Y-%m-%d %H:%M:%S", "%a %e.%b %Y", "%Y-%m-%d on a %A", longFormat};
+  std::vector<KtString> texts = strings();
+  for (unsigned short length = 0; length < 70; ++length) texts.emplace_back().Fill(length, 't');
+  for (const std::string& format : formats) {
+    for (const KtString& text : texts) {
+      KtString part, whole(text);
+      whole += value.PrintToKtString(part, format.c_str());
+      forEachFailure(format, [&](unsigned long number, Fail mode) {
+        KtString out(text);
+        FailingAllocations failing(number, mode);
+        value.PrintToKtString(out, format.c_str());
+        const bool hasFailed = failing.hasFailed();
+        failing.stop();
+        EXPECT_EQ(Image(out), Image(hasFailed ? text : whole)) << format << " behind '" << text.StrGet() << "'";
+        expectValid(out, format);
+        return hasFailed;
+      });
+    }
+  }
+}
+
 // --- blobs --------------------------------------------------------------------------------------------------------------
 
 struct BlobEdit {
