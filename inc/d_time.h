@@ -70,7 +70,8 @@ public:
 
   // --- make -----------------------------------------------------------------------------------------------------
   d_Time();  // the local time of day in the local zone (+00:00 when that is not known)
-  // In the default zone. Hundredths are rounded; a second outside the fields' range is cut to it.
+  // In the default zone. Hundredths are rounded, but a second below 60 stays below: 59.996 is 59.99. Other seconds are cut
+  // to -127.99 to 127.99, a NaN is 0; hours, minutes and zones are cut to 8 bits.
   d_Time(unsigned short anHour, unsigned short aMinute, float aSecond = 0);
   d_Time(unsigned short anHour, unsigned short aMinute, float aSecond, short zoneHour, short zoneMinute);
   d_Time(const d_Timestamp& timestamp);
@@ -80,7 +81,7 @@ public:
 
   static d_Time current();  // as d_Time()
 
-  // The zone of times made without one: the clock's until set.
+  // The zone of times made without one: the clock's until set. Beyond 23 hours either way it stays what it was.
   static void set_default_Time_Zone(Time_Zone zone);
   static void set_default_Time_Zone_to_local();
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -77,11 +78,13 @@ TEST(KtDateTime, time_zones_shift_minutes_and_at_most_one_day) {
     EXPECT_EQ(text(local), c.local);
     EXPECT_EQ(text(utc), c.utc);
   }
-  clock.offset = -2171;  // not known
-  KtDateTime value = cases[0].from;
-  EXPECT_EQ(value.ToLocalTime(), -2171);
-  EXPECT_EQ(value.ToUTCTime(), -2171);
-  EXPECT_TRUE(value == cases[0].from);
+  for (const int notKnown : {-2171, 1441, -1441, INT_MAX, INT_MIN}) {
+    clock.offset = notKnown;
+    KtDateTime value = cases[0].from;
+    EXPECT_EQ(value.ToLocalTime(), -2171);
+    EXPECT_EQ(value.ToUTCTime(), -2171);
+    EXPECT_TRUE(value == cases[0].from);
+  }
 }
 
 TEST(KtDateTime, what_is_not_given_comes_from_the_clock) {

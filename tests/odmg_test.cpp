@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <limits>
 
@@ -194,6 +195,11 @@ TEST(OdmgTime, moves_within_its_day_and_keeps_its_zone) {
   EXPECT_TRUE(time.hour == 0 && time.minute == 0 && time.second == 0 && time.hundredths == 0);
   EXPECT_EQ(time.is_valid(), 1);
   EXPECT_EQ(d_Time(12, 0, std::numeric_limits<float>::quiet_NaN(), 0, 0).is_valid(), 1);
+  for (const float second : {59.994F, 59.996F, 59.99999F, std::nextafter(60.0F, 0.0F)}) {
+    const d_Time below(23, 59, second, 0, 0);
+    EXPECT_TRUE(below.is_valid() && below.second == 59 && below.hundredths == 99) << second;
+  }
+  EXPECT_EQ(d_Time(12, 0, 60, 0, 0).second, 60);
   EXPECT_EQ(d_Time(12, 0, 61, 0, 0).is_valid(), 0);
   EXPECT_EQ(d_Time(12, 0, 0, 1, -30).is_valid(), 0);
 }
@@ -207,8 +213,16 @@ TEST(OdmgTime, zones_come_from_the_clock_until_one_is_set) {
   EXPECT_EQ(d_Time(1, 2).time_zone(), d_Time::GMT2);
   EXPECT_EQ(d_Time().tz_hour, -3);
   d_Time::set_default_Time_Zone_to_local();
-  clock.offset = -2171;
-  EXPECT_EQ(d_Time(1, 2).tz_hour, 0);
+  for (const int notKnown : {-2171, INT_MAX, INT_MIN}) {
+    clock.offset = notKnown;
+    EXPECT_TRUE(d_Time(1, 2).tz_hour == 0 && d_Time(1, 2).tz_minute == 0);
+  }
+  d_Time::set_default_Time_Zone(d_Time::USpacific);
+  for (const int noZone : {24, -24, INT_MAX, INT_MIN}) {
+    d_Time::set_default_Time_Zone(static_cast<d_Time::Time_Zone>(noZone));
+    EXPECT_EQ(d_Time(1, 2).time_zone(), d_Time::USpacific) << noZone;
+  }
+  d_Time::set_default_Time_Zone_to_local();
 }
 
 TEST(OdmgTimestamp, is_taken_apart_and_put_together) {

@@ -161,7 +161,9 @@ class KTBS_API KtClock {
 public:
   virtual ~KtClock();
   virtual long long UtcMilliseconds() = 0;  // since 1970-01-01 00:00:00 UTC
-  virtual int OffsetMinutes() = 0;          // to add to UTC for local time; -2171: not known (local is UTC then)
+  // To add to UTC for local time, -1440 to 1440; -2171: not known (local is UTC then). kttm takes other numbers for not
+  // known, too, where it converts between time zones.
+  virtual int OffsetMinutes() = 0;
 };
 
 // Returns the clock that was set (null: the system's). The caller keeps ownership.

@@ -3,15 +3,13 @@
 
 #include "d_timestamp.h"
 #include "ktdatetime.h"
-
-#include <ktbs.h>
+#include "values/local_offset.h"
 
 #include <atomic>
 #include <cmath>
 
 namespace {
 
-constexpr int kUnknownOffset = -2171;
 constexpr long long kDayHundredths = 8640000;
 
 constexpr int kLocalZone = 10000;  // no zone has that many minutes
@@ -24,8 +22,8 @@ struct Zone {
 Zone zoneOf(int minutes) { return {static_cast<short>(minutes / 60), static_cast<short>(minutes % 60)}; }
 
 Zone localZone() {
-  const int minutes = bksgettimezone();
-  return zoneOf(minutes == kUnknownOffset ? 0 : minutes);
+  const int minutes = kt::localOffset();
+  return zoneOf(minutes == kt::kUnknownOffset ? 0 : minutes);
 }
 
 Zone zoneOfNewTimes() {
@@ -84,7 +82,8 @@ d_Time::d_Time(unsigned short anHour, unsigned short aMinute, float aSecond, sho
       tz_minute(static_cast<std::int8_t>(zoneMinute)),
       hour(static_cast<std::int8_t>(anHour)),
       minute(static_cast<std::int8_t>(aMinute)) {
-  const long long total = hundredthsOf(aSecond, 12799);
+  const bool isBelowMinute = aSecond > 0 && aSecond < 60;
+  const long long total = hundredthsOf(aSecond, isBelowMinute ? 5999 : 12799);
   second = static_cast<std::int8_t>(total / 100);
   hundredths = static_cast<std::int8_t>(total % 100);
 }
@@ -96,7 +95,9 @@ d_Time& d_Time::operator=(const KtTime& time) { return *this = d_Time(time); }
 
 d_Time d_Time::current() { return {}; }
 
-void d_Time::set_default_Time_Zone(Time_Zone zone) { defaultZone = zone * 60; }
+void d_Time::set_default_Time_Zone(Time_Zone zone) {
+  if (zone > -24 && zone < 24) defaultZone = zone * 60;
+}
 void d_Time::set_default_Time_Zone_to_local() { defaultZone = kLocalZone; }
 
 d_Time& d_Time::operator+=(const d_Interval& interval) {

@@ -4,19 +4,17 @@
 #include "ktint64.h"
 #include "ktstring.h"
 #include "values/datetime_text.h"
+#include "values/local_offset.h"
 
 #include <ktbs.h>
 
 namespace {
 
-constexpr int kUnknownOffset = -2171;
-constexpr int kDayMinutes = 1440;
-
 // Moves to the given minute of the day, which may lie up to a day before or behind it.
 void setMinuteOfDay(KtDateTime& value, int minutes) {
-  if (minutes >= kDayMinutes) {
+  if (minutes >= kt::kDayMinutes) {
     ++value.date;
-    minutes -= kDayMinutes;
+    minutes -= kt::kDayMinutes;
   }
   int hour = minutes / 60;
   int minute = minutes % 60;
@@ -30,8 +28,8 @@ void setMinuteOfDay(KtDateTime& value, int minutes) {
 
 // direction: 1 adds the offset of local time, -1 takes it away.
 int shiftByOffset(KtDateTime& value, int direction) {
-  const int offset = bksgettimezone();
-  if (offset == kUnknownOffset) return kUnknownOffset;
+  const int offset = kt::localOffset();
+  if (offset == kt::kUnknownOffset) return offset;
   setMinuteOfDay(value, value.time.hour * 60 + value.time.minute + direction * offset);
   return 0;
 }
