@@ -18,7 +18,7 @@ class d_Timestamp;
 // Range:  any fields; is_valid tells the days that exist. Absolute dates count days, 2000-01-01 is 2,451,544. They follow
 //         the calendar from 0000-03-01 (dates of absolute dates from -4716-03-01) on; before, the rules give what they
 //         give.
-// Null:   none.
+// Null:   none; the null print string scans as year -32768, month -128, day -128.
 // Order:  != gives the days between two dates: negative, 0, positive; the other relational operators 1 or 0, by it. The
 //         disk form is compared field by field, its years as unsigned numbers, see d_DateCompare.
 // Size:   4 bytes.
@@ -46,6 +46,7 @@ public:
 
   // --- make -----------------------------------------------------------------------------------------------------
   d_Date();  // today's local date
+  // Month and day are cut to 8 bits.
   constexpr d_Date(short aYear, unsigned short aMonth, unsigned short aDay)
       : year(aYear), month(static_cast<std::int8_t>(aMonth)), day(static_cast<std::int8_t>(aDay)) {}
   constexpr d_Date(short aYear, unsigned short dayOfYear) : d_Date(aYear, 1, 1) {  // 1 is 1 January
@@ -65,6 +66,7 @@ public:
   constexpr unsigned short day_of_year() const {
     return static_cast<unsigned short>(getAbsDate() - d_Date(year, 1, 1).getAbsDate() + 1);
   }
+  // Negative, and none of the names, for absolute dates below -2.
   constexpr Weekday day_of_week() const { return static_cast<Weekday>((getAbsDate() + 2) % 7); }
   constexpr int days_in_month() const { return days_in_month(year, month); }
   constexpr int is_leap_year() const { return is_leap_year(year); }
@@ -86,9 +88,10 @@ public:
   }
 
   // --- change -----------------------------------------------------------------------------------------------------
-  constexpr d_Date& setAbsDate(long absDate);   // of the number the low 32 bits
-  constexpr d_Date& next(Weekday weekday);      // the day of that name, 1 to 7 days ahead
-  constexpr d_Date& previous(Weekday weekday);  // the same, back
+  constexpr d_Date& setAbsDate(long absDate);  // of the number the low 32 bits
+  // The day of that name, 1 to 7 days ahead or back; some other day where day_of_week is none or weekday not 0 to 6.
+  constexpr d_Date& next(Weekday weekday);
+  constexpr d_Date& previous(Weekday weekday);
   constexpr d_Date operator++(int) { return Step(1); }
   constexpr d_Date operator--(int) { return Step(-1); }
   // By whole days; the rest of the interval is dropped.

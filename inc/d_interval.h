@@ -14,7 +14,9 @@
 // Size:   4 bytes.
 // Disk:   4 bytes: the float in the byte order of the format code.
 // Text:   as days, hours, minutes and seconds by a format, see ktdate.h; the row's format is "%e days, %I hours, %M
-//         minutes, %S seconds". %I prints hours above 12 less 12, %H prints them all.
+//         minutes, %S seconds". %I prints hours above 12 less 12, %H prints them all. Of the days the low 8 bits are
+//         printed, as a signed number: 200 days are "-56 days"; scanning reads two digits of them. The null print
+//         string scans as the fields of a null, -11,527,808 seconds.
 // Status: nothing here fails. Where whole days or seconds are asked for, a NaN counts as 0 and a number that is too
 //         large as the largest possible.
 // Owner:  a plain value, trivially copyable.

@@ -15,17 +15,19 @@ class d_Timestamp;
 // d_Time: a time of day to the hundredth of a second, and the time zone in which it is told.
 //
 // Range:  any fields; is_valid tells 00:00:00.00 to 23:59:59.99 in zones up to 23:59 from universal time.
-// Null:   none.
+// Null:   none; the null print string scans as -128 in hour, minute and second, to which the zone is added.
 // Order:  by the instant in universal time, not reduced to a day: 23:00 at -05:00 comes after 04:00 at +00:00. != is a
 //         three-way comparison: -1, 0, 1; the other relational operators give 1 or 0 by it. The disk form is compared
 //         byte by byte, zone first, see d_TimeCompare.
 // Size:   6 bytes.
 // Disk:   6 bytes: the fields in this order, whatever the format code.
 // Text:   by a format, see ktdate.h, the date being 0000-01-01. Hour and minute are printed less those of the zone, and
-//         get them back when scanned. The row's format is "%I:%M:%S %p".
+//         get them back when scanned, field by field, without a carry; hundredths become 0. The row's format is
+//         "%I:%M:%S %p".
 // Status: nothing here fails.
 // Owner:  a plain value, trivially copyable.
-// Threads: pure, but for what reads the clock. The default zone is process-wide and unguarded.
+// Threads: pure, but for what reads the clock. The default zone is process-wide: setting it is safe beside other
+//         threads, which of its values they then use is open.
 class KTTM_API d_Time {
 public:
   // Whole hours from universal time.
@@ -70,8 +72,8 @@ public:
 
   // --- make -----------------------------------------------------------------------------------------------------
   d_Time();  // the local time of day in the local zone (+00:00 when that is not known)
-  // In the default zone. Hundredths are rounded, but a second below 60 stays below: 59.996 is 59.99. Other seconds are cut
-  // to -127.99 to 127.99, a NaN is 0; hours, minutes and zones are cut to 8 bits.
+  // In the default zone. Hundredths are rounded, but a second below 60 stays below: 59.996 is 59.99. Other seconds are
+  // cut to -127.99 to 127.99, a NaN is 0; hours, minutes and zones are cut to 8 bits.
   d_Time(unsigned short anHour, unsigned short aMinute, float aSecond = 0);
   d_Time(unsigned short anHour, unsigned short aMinute, float aSecond, short zoneHour, short zoneMinute);
   d_Time(const d_Timestamp& timestamp);

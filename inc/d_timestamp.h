@@ -15,7 +15,7 @@ class KtDateTime;
 // d_Timestamp: a date and a time of day in its zone.
 //
 // Range:  any fields; is_valid tells the instants that exist.
-// Null:   none.
+// Null:   none; the null print string scans as in d_Date and d_Time.
 // Order:  by the instant in universal time. != is a three-way comparison: -1, 0, 1; the other relational operators give
 //         1 or 0 by it. The disk form is compared as its date, then its time.
 // Size:   10 bytes.

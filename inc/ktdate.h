@@ -35,7 +35,9 @@ constexpr std::int32_t stored32(long number) { return wrapped(static_cast<std::u
 // Size:   4 bytes.
 // Disk:   4 bytes: the year in the byte order of the format code, month, day.
 // Text:   by a format, see datetime text below; "%Y-%m-%d" when it is null. The row's format is "%a %e.%b %Y".
-// Status: nothing here fails. Arithmetic on null or invalid dates takes the fields as numbers.
+// Status: nothing here fails. Arithmetic on null or invalid dates takes the fields as numbers. Printing overflows as
+//         KtString's += does; where memory runs out it leaves out as it was, and scanning leaves the value. A null
+//         string stays marked as null when something is printed into it.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure, but for what reads the clock.
 //
@@ -43,11 +45,16 @@ constexpr std::int32_t stored32(long number) { return wrapped(static_cast<std::u
 // "Februar"); %d %e day; %H hour; %I hour of twelve; %M minute; %m month; %p %P am or pm, AM or PM; %S second; %Y year,
 // %y year of the century. Numbers have two digits at least, years four. Of another letter after % the letter stands for
 // itself, as does everything else; a lone % at the end is ignored.
-//   Printing: %I counts 12, 1 to 11 when %p or %P occurs anywhere in the format, else 0 to 12.
-//   Scanning: each directive takes its fixed number of characters (%a %A %b %B: the letters that agree with a name), any
-//   other character of the format skips one, whatever it is. Fields without digits keep 0, months and days 1; %y adds
-//   1900. A text that begins with the null print string is null. A result that is no date and time becomes 0000-01-01
-//   00:00:00, but all zeros stay.
+//   Printing: %I counts 12, 1 to 11 when %p or %P occurs anywhere in the format, else 0 to 12. %b %B of a month outside
+//   1 to 12 print its number, of three digits; a weekday that is none prints "no " or "no day".
+//   Scanning: %Y takes 4 characters, other numbers and %p %P take 2, %% and letters that are no directive 1, and any
+//   other character of the format 1 as well, whatever it is. %a %A %b %B take the letters that agree with the first
+//   name whose three letters stand there, case included; without one %a %A take nothing, %b %B a number of 3 characters
+//   for the month. A number may have a sign, which counts for its width, and blanks before it, which do not; the step
+//   is the same. It is cut to its field (8 bits, a year 16) before it is judged. Fields without digits keep 0, months
+//   and days 1; %y adds 1900. pm adds 12 to an hour below 12, otherwise am makes 12 into 0. A text that begins with the
+//   null print string, compared by characters, is null. A result that is no date and time becomes 0000-01-01 00:00:00,
+//   but all zeros stay.
 class KTTM_API KtDate {
 public:
   std::int16_t year;  // 2005, not 105

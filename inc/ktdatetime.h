@@ -21,9 +21,11 @@ class KtString;
 //         <, >, <= and >= go by it. == compares all fields. Against a lone date or time a value is compared with what
 //         the constructors make of that: the rest comes from the clock.
 // Size:   8 bytes; the last is padding and never counts.
-// Disk:   7 bytes: the year in the byte order of the format code, month, day, hour, minute, second.
+// Disk:   7 bytes: the year in the byte order of the format code, month, day, hour, minute, second. Store and
+//         Load move 7 bytes a value under code 8 as well; the other operations take that for the 8 bytes in memory.
 // Text:   by a format, see ktdate.h; "%Y-%m-%dT%H:%M:%S" when it is null. The row's: "%a %e.%b %Y %I:%M:%S %p".
-// Status: -2171 of the conversions between time zones: the offset is not known. Nothing else fails.
+// Status: -2171 of the conversions between time zones: the offset is not known. Nothing else fails. Arithmetic on null
+//         or invalid values takes the fields as numbers. Text: as ktdate.h says.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure, but for what reads the clock (ktbs.h).
 class KTTM_API KtDateTime {
@@ -55,9 +57,12 @@ public:
     date.SetNullValue();
     return time.SetNullValue();
   }
-  // Any number of seconds, also negative ones; the date passes through its day number, even for 0 seconds.
+  // Any number of seconds, also negative ones; the date passes through its day number, even for 0 seconds. Of a null
+  // value or one with fields out of range it makes some other: ask first.
   constexpr void AddSeconds(long seconds);
-  // From and to universal time by the clock's present offset: 0, or -2171, the value unchanged.
+  // From and to universal time by the clock's present offset: 0; or -2171, the value unchanged, where that is not known
+  // or more than a day (1440 minutes). The date moves by one day at most, seconds stay. Null and invalid values are not
+  // recognised: their fields count as numbers, an hour that leaves 8 bits is cut.
   int ToLocalTime();
   int ToUTCTime();
 
@@ -76,6 +81,7 @@ public:
   // --- text -------------------------------------------------------------------------------------------------------
   // Appends the value to out; null replaces out by the null print string. Returns out.
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
+  // Becomes what the text holds.
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };
 

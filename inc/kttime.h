@@ -21,6 +21,7 @@ class KtString;
 // Disk:   3 bytes: hour, minute, second, whatever the format code.
 // Text:   by a format, see ktdate.h; "%H:%M:%S" when it is null. The row's format is "%I:%M:%S %p".
 // Status: nothing here fails. Arithmetic is done in 8-bit fields and carries, or borrows, once from field to field.
+//         Text: as ktdate.h says.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure, but for what reads the clock.
 class KTTM_API KtTime {

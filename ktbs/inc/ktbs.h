@@ -169,11 +169,13 @@ public:
 // Returns the clock that was set (null: the system's). The caller keeps ownership.
 KTBS_API KtClock* KtSetClock(KtClock* clock);
 
+// A year outside 16 bits is cut to them.
 KTBS_API void bksgetdate(KtDateRecord& date);                            // local date
 KTBS_API void bksgettime(KtTimeRecord& time);                            // local time of day
 KTBS_API void bksgetsystemtime(KtTimeRecord& time, KtDateRecord& date);  // UTC, both of one reading
-KTBS_API int bksgettimezone();                                           // OffsetMinutes of the clock in use
-KTBS_API long long bksgetmilliseconds();                                 // UtcMilliseconds of the clock in use
+// OffsetMinutes of the clock in use; -2171 also where the system cannot tell.
+KTBS_API int bksgettimezone();
+KTBS_API long long bksgetmilliseconds();  // UtcMilliseconds of the clock in use
 
 static_assert(sizeof(KtDateRecord) == 4 && sizeof(KtTimeRecord) == 3);
 
