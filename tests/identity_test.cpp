@@ -216,6 +216,8 @@ TEST(Identity, scans_what_it_prints_and_forgives_the_rest) {
                         {"1:42:7", "%hu:%lu:%lu", {7, 42, 1}},
                         {"12", "%h", {0, 0, 12}},
                         {"12", "%", {}},
+                        {"5,x", "%L,%L", {0, 5, 0}},  // without digits the field stays
+                        {"5,x", "%h,%h", {0, 0, 5}},
                         {"5 6", "%B%%%L", {5, 6, 0}},
                         {"65537", "%H", {0, 0, 1}},
                         {"99999999999", "%L", {0, 0xFFFFFFFF, 0}},

@@ -68,12 +68,11 @@ public:
   bool atEnd() const { return at_ == end_; }
   void skipCharacter() { ++at_; }
 
-  // The number here, 0 without one; then behind the digits that stand here.
-  std::uint32_t takeNumber() {
-    std::uint32_t number = 0;
-    scanInteger(at_, static_cast<unsigned long>(end_ - at_), "%u", number);
+  // The number here; false, and nothing is set, without one. Then behind the digits that stand here.
+  bool takeNumber(std::uint32_t& number) {
+    const bool isNumber = scanInteger(at_, static_cast<unsigned long>(end_ - at_), "%u", number);
     while (!atEnd() && *at_ >= '0' && *at_ <= '9') ++at_;
-    return number;
+    return isNumber;
   }
 
 private:
@@ -86,8 +85,8 @@ void scanDirective(const Directive& directive, TextReader& text, IdentityFields&
     text.skipCharacter();
     return;
   }
-  const std::uint32_t number = text.takeNumber();
-  if (directive.kind == Directive::kNoField) return;
+  std::uint32_t number;
+  if (!text.takeNumber(number) || directive.kind == Directive::kNoField) return;
   fields[fieldOf(directive.letter)] = isWide(directive.letter) ? number : static_cast<std::uint16_t>(number);
 }
 
