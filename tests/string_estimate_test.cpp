@@ -406,7 +406,9 @@ TEST(StringEstimate, is_the_share_of_the_orders_between_the_bounds) {
       {"A", "A", 1, "A", 6, 0, 0},
       {"\xC4\xC4", "\xC4\xC4", 1, "AA", 4, 1, 0},  // only the compared strings tell them apart: a tie
       {"\xC4\xC4", "\xC4\xC4", 1, "AA", 2, 0, 0},
-      {"K", "A", 1, "F", 7, 0, 0},  // upside down
+      {"K", "A", 1, "F", 7, 0, 0},  // upside down: nothing lies in it
+      {"k", "A", 1, "K", 2, 1,
+       0},  // but its lower end, by which the value's number is tied: a unit, over a divisor of 1
   };
   for (const auto& c : cases) {
     for (const Row& row : {kString, kLegacy}) {

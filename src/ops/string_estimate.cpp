@@ -10,8 +10,6 @@
 
 #include <ktbs.h>
 
-#include <algorithm>
-
 namespace kt {
 namespace {
 
@@ -65,17 +63,16 @@ void checkWildcard(const Comparison& comparison, unsigned flags, double area, do
 }
 
 template <class Kind>
-double estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned short flags, unsigned char code) {
+float estimateShare(const KtIdxBounds& range, Comparison& comparison, unsigned short flags, unsigned char code) {
   BoundKey low, high;
   if (!readBound(low, range.lowKey, range.lowKeyLength, code)) return 0;
   if (!readBound(high, range.highKey, range.highKeyLength, code)) return 0;
   if (comparison.startsWithWildcard && (flags & kAnySide) != 0) flags |= KtBOUND_EQUAL;
   const OrderSpans spans = numberKeys(comparison.literal, low.key, high.key);
-  const double totalArea = spans.high.first - spans.low.first + spans.unit;
-  if (!(totalArea > 0)) return 0;  // the range is upside down
+  const double totalArea = rangeWidth({spans.low.first, spans.high.first}, spans.unit);
   const double area = selectedArea<Kind>(spans, low, high, comparison, flags, code);
   checkWildcard(comparison, flags, area, totalArea);
-  return std::min(area / totalArea, 1.0);
+  return shareOf(area, totalArea);
 }
 
 // --- the bounds ---------------------------------------------------------------------------------------------------
@@ -110,9 +107,9 @@ float evalAndBoundStrings(KtIdxBounds* range, unsigned short& flags, void* key, 
   Comparison comparison;
   if (count == 0 || key == nullptr || !readComparison<Kind>(comparison, key, format)) return 0;
   const unsigned char code = lowCode(format);
-  const double share = range != nullptr ? estimateShare<Kind>(*range, comparison, flags, code) : 0;
+  const float share = range != nullptr ? estimateShare<Kind>(*range, comparison, flags, code) : 0;
   if (result != nullptr) recordStringBounds(*result, comparison, flags, Kind::kHasNull, code);
-  return static_cast<float>(share);
+  return share;
 }
 
 #define KT_INSTANTIATE(Kind)                                                                                   \
