@@ -27,18 +27,39 @@ void mergeSort(Indexes& items, Less less) {
   }
 }
 
-// Values that have no place in an order (a NaN) are equal to everything, also to two values that differ.
-class Placeable {
+// Under a field of -1 dates and times in memory equal any other; as they are stored they have one order.
+bool hasWildFields(char id) { return id == KT_ID_KtDate || id == KT_ID_KtTime || id == KT_ID_KtDateTime; }
+
+// -1, 0 or 1, of values in memory.
+class Order {
 public:
-  Placeable(const Type& type, unsigned short op)
-      : op_(op), low_(Values::converted(type, KtString("0"))), high_(Values::converted(type, KtString("1"))) {}
-  bool operator()(void* value) const {
-    return compared(low_.id(), low_.at(0), high_.at(0), op_) == 0 || compared(low_.id(), value, low_.at(0), op_) != 0 ||
-           compared(low_.id(), value, high_.at(0), op_) != 0;
+  Order(char id, unsigned short op) : id_(id), op_(op), asStored_(hasWildFields(id)) {}
+  int operator()(void* a, void* b) const {
+    if (!asStored_) return compared(id_, a, b, op_);
+    constexpr unsigned char kDisk = 2;
+    Bytes first = stored(id_, a, kDisk, 1);
+    Bytes second = stored(id_, b, kDisk, 1);
+    const long result = manager().Cmp(id_, first.data(), second.data(), op_, 1, kDisk);
+    return (result > 0) - (result < 0);
   }
 
 private:
+  char id_;
   unsigned short op_;
+  bool asStored_;
+};
+
+// Values that have no place in an order (a NaN) are equal to everything, also to two values that differ.
+class Placeable {
+public:
+  Placeable(const Type& type, const Order& order)
+      : order_(order), low_(Values::converted(type, KtString("0"))), high_(Values::converted(type, KtString("1"))) {}
+  bool operator()(void* value) const {
+    return order_(low_.at(0), high_.at(0)) == 0 || order_(value, low_.at(0)) != 0 || order_(value, high_.at(0)) != 0;
+  }
+
+private:
+  Order order_;
   Values low_;
   Values high_;
 };
@@ -66,9 +87,9 @@ struct Sort {
     return static_cast<unsigned short>(bits == KtCMP_DEFAULT ? KtCMP_NO_WILDCARDS : bits | KtCMP_NO_WILDCARDS);
   }
 
-  Values readLines(const Type& which, const std::vector<std::string>& lines, unsigned short bits) const {
+  Values readLines(const Type& which, const std::vector<std::string>& lines, const Order& order) const {
     const Reader reader(which, read.options());
-    const Placeable placeable(which, bits);
+    const Placeable placeable(which, order);
     Values values(which, lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const std::string where = "line " + std::to_string(i + 1) + ": ";
@@ -86,14 +107,12 @@ struct Sort {
   void run() const {
     const Type which = parseType(text(*type, ""));
     requireValues(which);
-    const unsigned short bits = orderOperator();
+    const Order compare(which.id, orderOperator());
     const std::vector<std::string> lines = splitLines(readFile(text(*file, "-")));
     if (lines.empty()) return;
-    const Values values = readLines(which, lines, bits);
+    const Values values = readLines(which, lines, compare);
     const int before = reverse->count() > 0 ? 1 : -1;
-    const auto order = [&](unsigned long a, unsigned long b) {
-      return compared(which.id, values.at(a), values.at(b), bits);
-    };
+    const auto order = [&](unsigned long a, unsigned long b) { return compare(values.at(a), values.at(b)); };
     Indexes indexes(lines.size());
     std::iota(indexes.begin(), indexes.end(), 0UL);
     mergeSort(indexes, [&](unsigned long a, unsigned long b) { return order(a, b) == before; });
