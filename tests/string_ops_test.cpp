@@ -58,6 +58,8 @@ TEST(StringOps, scanning_takes_the_whole_text_and_knows_the_null_text) {
   Ops::scan(&value, almost, "%s", 1);
   EXPECT_STREQ(value.StrGet(), "{NULL} ");
   KtString null("{NULL}");
+  kt::LegacyStringOps::scan(&value, null, "%s", 1);
+  EXPECT_EQ(value.IsNullValue(), 1);
   kt::IStringOps::scan(&value, null, "%s", 1);
   EXPECT_STREQ(value.StrGet(), "{NULL}");
   EXPECT_EQ(Ops::scan(nullptr, null, "%s", 1), nullptr);

@@ -46,7 +46,13 @@ struct StringRowOps : StringArrayOps {
 struct StringOps : StringRowOps<PlainStrings> {
   static constexpr KtTypeCmpFunc compare = StringCompare;
 };
-using LegacyStringOps = StringRowOps<LegacyStrings>;
+// What knows the older records, and that the row has no null, is its own. Strings can be null all the same: printing,
+// scanning and conversion are those of the other row.
+struct LegacyStringOps : StringRowOps<LegacyStrings> {
+  static constexpr KtConvertFromFunc convertFrom = StringOps::convertFrom;
+  static constexpr KtPrintToKtStringFunc print = StringOps::print;
+  static constexpr KtScanFromKtStringFunc scan = StringOps::scan;
+};
 using IStringOps = StringRowOps<InternationalStrings>;
 using CaseIStringOps = StringRowOps<CaselessStrings>;
 
