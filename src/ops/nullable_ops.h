@@ -92,7 +92,7 @@ struct NullableValue {
     return nulls == KtNULL_UNKNOWN ? V::compareDirect(a, b) : KtNullRelationResult(nulls);
   }
   static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
-    const unsigned long mark = isMemoryForm(code) ? V::elementSize(code) : 0;
+    const unsigned long mark = isMemoryForm(code) ? kWidth : 0;  // values are as wide as in memory there
     const unsigned long value = isMemoryForm(code) ? 0 : 1;
     const KtNullRelation nulls = KtNullRelationOf(a[mark] == kNull, b[mark] == kNull);
     return nulls == KtNULL_UNKNOWN ? V::compareDisk(code, a + value, b + value) : KtNullRelationResult(nulls);
