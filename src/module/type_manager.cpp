@@ -37,7 +37,7 @@ void KtTypeMgr::SetFactory(unsigned long version) {
 int KtTypeMgr::IsValidType(char id) const { return numberOf(id) < KtTYPE_COUNT || numberOf(id) > 99; }
 
 int KtTypeMgr::Name2KtTypeId(const char* name, char& id) const {
-  const int count = kt::typeCount(table_);
+  const int count = name == nullptr ? 0 : kt::typeCount(table_);
   for (int candidate = 0; candidate < count; ++candidate) {
     id = static_cast<char>(candidate);
     if (std::strcmp(name, Row(id).Name) == 0) return 0;

@@ -67,7 +67,7 @@ unsigned long BlobOps::sizeGet(const void* values, unsigned char givenFormat, un
 }
 
 unsigned long BlobOps::sizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long) {
-  const char* here = file->Seek(0, MemFile::Current);
+  const char* here = file == nullptr ? nullptr : file->Seek(0, MemFile::Current);
   const unsigned long left = here == nullptr ? 0 : file->Remaining();
   if (left < kBlobNumber) return 0;
   const unsigned long said = kBlobNumber + readBlobHeader(reinterpret_cast<const unsigned char*>(here), format);

@@ -7,10 +7,20 @@
 
 #include <new>
 
+namespace {
+
+constexpr unsigned long kMost = 0x7FFFFFFF;  // values that a holder counts
+
+}  // namespace
+
 KtTypeConvertData::KtTypeConvertData(char id, unsigned long valueCount, void* values, KtTypeMgr* manager)
-    : typeManager(manager), data(values), count(static_cast<std::int32_t>(valueCount)), typeId(id) {}
+    : typeManager(manager),
+      data(valueCount <= kMost ? values : nullptr),
+      count(valueCount <= kMost ? static_cast<std::int32_t>(valueCount) : 0),
+      typeId(id) {}
 
 KtTypeConvertData* KtTypeConvertData::Make(char typeId, unsigned long count, void* data, KtTypeMgr* typeManager) {
+  if (count > kMost) return nullptr;
   auto* holder = new (std::nothrow) KtTypeConvertData(typeId, count, data, typeManager);
   if (holder == nullptr) KtCallMemoryHandler(sizeof(KtTypeConvertData));
   return holder;

@@ -75,7 +75,7 @@ unsigned long legacyStringSizeGet(const void* data, unsigned char givenFormat, u
 }
 
 unsigned long legacyStringSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long count) {
-  const char* here = file->Seek(0, MemFile::Current);
+  const char* here = file == nullptr ? nullptr : file->Seek(0, MemFile::Current);
   if (count == 0 || here == nullptr || file->Remaining() < kLengthBytes) return 0;
   const Record first = recordAt(here, format);
   if (first.size() > file->Remaining()) return 0;

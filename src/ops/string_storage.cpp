@@ -152,7 +152,8 @@ unsigned long olderKeySize(const Record& record, unsigned char codeSet, unsigned
 unsigned long stringNullSizeGet(unsigned long count) { return count * kEmptyRecord; }
 
 unsigned long stringSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long count) {
-  const auto* here = reinterpret_cast<const unsigned char*>(file->Seek(0, MemFile::Current));
+  const char* bytes = file == nullptr ? nullptr : file->Seek(0, MemFile::Current);
+  const auto* here = reinterpret_cast<const unsigned char*>(bytes);
   return here != nullptr ? sizeOnDisk(here, file->Remaining(), format, count) : 0;
 }
 
