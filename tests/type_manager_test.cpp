@@ -84,6 +84,58 @@ TEST(TypeManager, the_null_print_string_may_have_characters_that_other_code_sets
   KtTypeMgr::SetNullPrintString("{NULL}");
 }
 
+TEST(TypeManager, lists_keep_the_characters_that_their_text_can_hold) {
+  KtTypeMgr mgr(12);
+  const KtString euro(reinterpret_cast<const unsigned short*>(u"\u20AC"));
+  KtString values[] = {euro, KtString("\xE9"), euro};
+  KtString out(253, 1);
+  mgr.PrintToKtString(KT_ID_KtString, out, values, nullptr, 3);
+  EXPECT_EQ(out.codeSet, 253);
+  EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(out.StrGet())), u"\u20AC,\u00E9,\u20AC");
+}
+
+// What is printed, or how, may stand in the very text that is printed to.
+TEST(TypeManager, printing_reads_what_lies_in_its_target) {
+  KtTypeMgr mgr(12);
+  std::int32_t numbers[] = {1, 22, 333};
+  KtString word("word");
+  const struct {
+    char id;
+    void* values;        // null: the target's own characters
+    bool formatsItself;  // its text is the format
+    unsigned long count;
+    const char* text;
+    const char* printed;
+  } cases[] = {
+      {KT_ID_char, nullptr, false, 5, "hello", "hello"},
+      {KT_ID_KtByte, nullptr, true, 1, "%d, and a text that needs more room", "37, and a text that needs more room"},
+      {KT_ID_KtString, &word, true, 1, "%s, and a text that needs more room",
+       "%s, and a text that needs more roomword, and a text that needs more room"},
+      {KT_ID_long, numbers, true, 3, "%30ld",
+       "%30ld                             1,                            22,                           333"},
+  };
+  for (const auto& c : cases) {
+    KtString out(c.text);
+    void* values = c.values == nullptr ? out.buffer : c.values;
+    mgr.PrintToKtString(c.id, out, values, c.formatsItself ? out.buffer : nullptr, c.count);
+    EXPECT_STREQ(out.StrGet(), c.printed) << c.text;
+  }
+}
+
+TEST(TypeManager, missing_arguments_get_the_quiet_answer) {
+  KtTypeMgr mgr(12);
+  KtTypeMgr legacy(11);
+  char id = 7;
+  EXPECT_EQ(mgr.Name2KtTypeId(nullptr, id), 1);
+  EXPECT_EQ(id, KtTYPE_COUNT);
+  for (const KtTypeId variable : {KT_ID_KtString, KT_ID_KtBlob, KT_ID_KtIString, KT_ID_KtCaseIString}) {
+    EXPECT_EQ(mgr.DiskLenGetFromMemFile(variable, nullptr, 2, 1), 0u) << int(variable);
+    EXPECT_EQ(legacy.DiskLenGetFromMemFile(variable, nullptr, 2, 1), 0u) << int(variable);
+  }
+  EXPECT_EQ(mgr.DiskLenGetFromMemFile(KT_ID_KtRef, nullptr, 2, 3), 42u);  // looks at no file
+  EXPECT_EQ(KtTypeConvertData::Make(KT_ID_KtString, 0x80000000ul, nullptr, nullptr), nullptr);
+}
+
 TEST(TypeManager, the_null_print_string_is_process_wide) {
   EXPECT_STREQ(KtTypeMgr::GetNullPrintString().StrGet(), "{NULL}");
   KtTypeMgr::SetNullPrintString("nil");
@@ -135,6 +187,58 @@ TEST(TypeManager, older_conversion_joins_with_a_separator_that_no_value_holds) {
   joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 1);
   EXPECT_STREQ(joined->StrGet(), (all + ',').c_str());  // there is none: a comma
   mgr.Delete(KT_ID_KtString, joined, 1);
+}
+
+// Texts that a language makes equal, that the default code set lacks, or that count as null.
+TEST(TypeManager, older_conversion_brings_all_characters_back) {
+  OldManager mgr;
+  const auto text = [](const char16_t* units, int codeSet, int language) {
+    KtString s(reinterpret_cast<const unsigned short*>(units));
+    s.SetCodeSet(static_cast<unsigned char>(codeSet));
+    s.language = static_cast<unsigned char>(language);
+    return s;
+  };
+  const auto unicode = [](KtString s) {
+    s.SetCodeSet(253);
+    return std::u16string(reinterpret_cast<const char16_t*>(s.StrGet()));
+  };
+  const struct {
+    const char* name;
+    KtString values[2];
+    unsigned char codeSet;  // of the joined text
+  } cases[] = {
+      {"the first separator under another language", {text(u"Espa\1a", 1, 4), text(u"dos", 1, 1)}, 1},
+      {"the first separator in a null string", {text(u"a\1b", 1, 254), text(u"c", 1, 1)}, 1},
+      {"the first separator in 16 bits", {text(u"a\1b", 253, 1), text(u"\2", 1, 1)}, 1},
+      {"what the default code set has", {text(u"\u00E9t\u00E9", 253, 1), text(u"x", 10, 1)}, 1},
+      {"what it has not", {text(u"\u20AC \u0416", 253, 1), text(u"\u00E9", 1, 1)}, 253},
+  };
+  for (const auto& c : cases) {
+    KtString values[2] = {c.values[0], c.values[1]};
+    KtString* joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 2);
+    ASSERT_NE(joined, nullptr) << c.name;
+    EXPECT_EQ(joined->codeSet, c.codeSet) << c.name;
+    auto* back = static_cast<KtString*>(mgr.ConvertFromKtStringOld(joined, KT_ID_KtString, 2));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(unicode(back[i]), unicode(values[i])) << c.name;
+    mgr.Delete(KT_ID_KtString, back, 2);
+    mgr.Delete(KT_ID_KtString, joined, 1);
+  }
+}
+
+TEST(TypeManager, older_conversion_gives_nothing_where_one_string_has_no_room) {
+  OldManager mgr;
+  KtString values[2];
+  const KtAssertHandler old =
+      KtSetAssertHandler([](const char* message, const char*, int) { ADD_FAILURE() << message; });
+  values[0].Fill(40000, 'a');
+  values[1].Fill(40000, 'b');
+  EXPECT_EQ(mgr.ConvertToKtStringOld(values, KT_ID_KtString, 2), nullptr);
+  values[1].Cut(25530, -1);  // 65,530 characters, two separators and the terminator: the longest of all strings
+  KtString* joined = mgr.ConvertToKtStringOld(values, KT_ID_KtString, 2);
+  ASSERT_NE(joined, nullptr);
+  EXPECT_EQ(joined->Len(), 65532);
+  mgr.Delete(KT_ID_KtString, joined, 1);
+  KtSetAssertHandler(old);
 }
 
 TEST(TypeManager, older_conversion_takes_the_last_character_as_separator) {

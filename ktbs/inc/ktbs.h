@@ -111,6 +111,9 @@ KTBS_API KtAssertHandler KtSetAssertHandler(KtAssertHandler handler);
 // Reports a failed allocation of `size` bytes to the memory handler and returns.
 KTBS_API void KtCallMemoryHandler(unsigned long size);
 
+// How often the calling thread has reported one. Who takes many steps learns from it whether one of them lacked memory.
+KTBS_API unsigned long KtFailedAllocations();
+
 using KtMemoryHandler = void (*)(unsigned long size);
 // Returns the old handler, never null. Null restores the default, which does nothing.
 KTBS_API KtMemoryHandler KtSetMemoryHandler(KtMemoryHandler handler);

@@ -15,6 +15,7 @@ void ignoreFailedAllocation(unsigned long) {}
 // Constant-initialised: other libraries may report while they are being loaded.
 constinit KtAssertHandler assertHandler = writeAssertion;
 constinit KtMemoryHandler memoryHandler = ignoreFailedAllocation;
+constinit thread_local unsigned long failedAllocations = 0;
 
 }  // namespace
 
@@ -24,7 +25,12 @@ KtAssertHandler KtSetAssertHandler(KtAssertHandler handler) {
   return std::exchange(assertHandler, handler ? handler : writeAssertion);
 }
 
-void KtCallMemoryHandler(unsigned long size) { memoryHandler(size); }
+void KtCallMemoryHandler(unsigned long size) {
+  ++failedAllocations;
+  memoryHandler(size);
+}
+
+unsigned long KtFailedAllocations() { return failedAllocations; }
 
 KtMemoryHandler KtSetMemoryHandler(KtMemoryHandler handler) {
   return std::exchange(memoryHandler, handler ? handler : ignoreFailedAllocation);

@@ -6,6 +6,7 @@
 #include "ops/run_compare.h"
 #include "ops/run_hash.h"
 #include "ops/string_array.h"
+#include "text/allocation_watch.h"
 #include "values/null_text.h"
 #include "values/text_builder.h"
 
@@ -93,7 +94,9 @@ KtTypeConvertData* BlobOps::convertTo(void* values, unsigned long count) {
 
 void* BlobOps::convertFrom(KtTypeConvertData* data, unsigned long count) {
   void* values = create(count);
-  for (unsigned long i = 0; values != nullptr && i < count; ++i) {
+  if (values == nullptr) return nullptr;
+  const AllocationWatch watch;
+  for (unsigned long i = 0; i < count; ++i) {
     const KtString* text = stringAt(data, i);
     if (text == nullptr) {
       at(values)[i].SetNullValue();
@@ -101,7 +104,7 @@ void* BlobOps::convertFrom(KtTypeConvertData* data, unsigned long count) {
       at(values)[i].SetTo(text->buffer, text->bufferSize);
     }
   }
-  return values;
+  return watch.hasFailed() ? destroy(values, count) : values;
 }
 
 KtString& BlobOps::print(KtString& out, void* values, const char* format, unsigned long) {

@@ -10,6 +10,7 @@
 #include "ops/scalar_values.h"
 #include "ops/string_array.h"
 #include "ops/translate.h"
+#include "text/allocation_watch.h"
 
 #include <ktbs.h>
 
@@ -131,11 +132,13 @@ struct ScalarOps {
 
   static void* convertFrom(KtTypeConvertData* data, unsigned long count) {
     auto* values = static_cast<unsigned char*>(create(count));
-    for (unsigned long i = 0; values != nullptr && i < count; ++i) {
+    if (values == nullptr) return nullptr;
+    const AllocationWatch watch;
+    for (unsigned long i = 0; i < count; ++i) {
       const Memory value = fromText(stringAt(data, i));
       std::memcpy(values + i * kSize, &value, kSize);
     }
-    return values;
+    return watch.hasFailed() ? destroy(values, count) : values;
   }
 
   static void* defaultValue(unsigned long count, int) { return convertEmptyStrings(&convertFrom, count); }

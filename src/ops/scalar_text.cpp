@@ -88,20 +88,35 @@ KtString& printStoredInteger(KtString& out, const void* values, const char* form
 
 }  // namespace
 
-KtString& printChars(KtString& out, void* values, const char* format, unsigned long count) {
+namespace {
+
+// Text that lacks a part for want of memory is none: out becomes empty.
+void replaceByChars(KtString& out, const unsigned char* chars, const char* format, unsigned long count) {
   out = "";
-  if (values == nullptr) return out;
-  format = formatOr(kCharFormat, format);
-  const auto* chars = static_cast<const unsigned char*>(values);
   NumberText text;
   for (unsigned long i = 0; i < count; ++i) {
-    if (isPrintable(chars[i])) {
-      printInteger(text, format, chars[i]);
-    } else {
-      printInteger(text, "0x%02x", chars[i]);
-    }
-    out += text.text;
+    printInteger(text, isPrintable(chars[i]) ? format : "0x%02x", chars[i]);
+    if (!append(out, text.text, narrowSet(), text.length)) return release(out);
   }
+}
+
+// Emptying out would overwrite what lies in it.
+[[gnu::noinline]] KtString& replaceByOwnChars(KtString& out, const unsigned char* chars, const char* format,
+                                              unsigned long count) {
+  KtString text;
+  replaceByChars(text, chars, format, count);
+  return out.Destruct(text);
+}
+
+}  // namespace
+
+KtString& printChars(KtString& out, void* values, const char* format, unsigned long count) {
+  const auto* chars = static_cast<const unsigned char*>(values);
+  if (chars == nullptr) return out = "";
+  format = formatOr(kCharFormat, format);
+  const bool readsOwn = liesIn(out, static_cast<const char*>(values)) || liesIn(out, format);
+  if (readsOwn) return replaceByOwnChars(out, chars, format, count);
+  replaceByChars(out, chars, format, count);
   return out;
 }
 

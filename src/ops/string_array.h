@@ -5,6 +5,7 @@
 #include "ktstring.h"
 #include "kttypcvd.h"
 #include "kttypdsc.h"
+#include "text/allocation_watch.h"
 
 namespace kt {
 
@@ -19,16 +20,18 @@ const KtString* stringAt(const KtTypeConvertData* data, unsigned long index);
 // What `count` empty strings convert to: the default values of a type without (or not asked for) null.
 void* convertEmptyStrings(KtConvertFromFunc convertFrom, unsigned long count);
 
-// Makes a holder of `count` strings, string i being textOf(i). Null when memory is exhausted.
+// Makes a holder of `count` strings, string i being textOf(i). Null when memory is exhausted, also that of one string.
 template <class TextOf>
 KtTypeConvertData* convertToStrings(unsigned long count, TextOf textOf) {
   KtString* strings = createStrings(count);
   if (strings == nullptr) return nullptr;
+  const AllocationWatch watch;
   for (unsigned long i = 0; i < count; ++i) {
     KtString text = textOf(i);
     strings[i].Destruct(text);
   }
-  KtTypeConvertData* holder = KtTypeConvertData::Make(KT_ID_KtString, count, strings, nullptr);
+  KtTypeConvertData* holder =
+      watch.hasFailed() ? nullptr : KtTypeConvertData::Make(KT_ID_KtString, count, strings, nullptr);
   if (holder == nullptr) deleteStrings(strings, count);
   return holder;
 }

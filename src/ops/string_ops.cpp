@@ -2,6 +2,7 @@
 #include "ops/string_ops.h"
 
 #include "ops/string_array.h"
+#include "text/allocation_watch.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
@@ -24,9 +25,9 @@ KtTypeConvertData* StringArrayOps::convertTo(void* values, unsigned long count) 
   return convertToStrings(count, [strings](unsigned long i) { return strings[i]; });
 }
 
-KtString& printString(KtString& out, const KtString* value, const char* format) {
-  if (value == nullptr) return out;
-  if (format == nullptr) format = "%s";
+namespace {
+
+void printText(KtString& out, const KtString& value, const char* format) {
   const char* from = format;  // of what is not yet appended
   bool isPrinted = false;
   for (const char* at = format; *at != 0;) {
@@ -37,19 +38,36 @@ KtString& printString(KtString& out, const KtString* value, const char* format) 
       continue;
     }
     appendFormat(out, from, isText ? at : at + 1);
-    if (isText) out += *value;
+    if (isText) out += value;
     isPrinted = isPrinted || isText;
     at += 2;
     from = at;
   }
   appendFormat(out, from, from + std::strlen(from));
+}
+
+}  // namespace
+
+KtString& printString(KtString& out, const KtString* value, const char* format) {
+  if (value == nullptr) return out;
+  if (format == nullptr || std::strcmp(format, "%s") == 0) return out += *value;
+  const AllocationWatch watch;
+  const unsigned short before = out.Len();
+  if (!liesIn(out, format)) {
+    printText(out, *value, format);
+  } else {
+    printText(out, *value, KtString(format).StrGet());  // what is appended would move the format
+  }
+  if (watch.hasFailed()) out.Cut(before, -1);  // a part is none
   return out;
 }
 
 template <class Kind>
 void* StringRowOps<Kind>::convertFrom(KtTypeConvertData* data, unsigned long count) {
   KtString* values = createStrings(count);
-  for (unsigned long i = 0; values != nullptr && i < count; ++i) {
+  if (values == nullptr) return nullptr;
+  const AllocationWatch watch;
+  for (unsigned long i = 0; i < count; ++i) {
     const bool isAsked = data != nullptr && i <= 0x7FFFFFFFul;
     const KtString* text = isAsked ? data->GetString(static_cast<int>(i)) : nullptr;
     if (text != nullptr && (Kind::kHasNull || !text->IsNullValue())) {
@@ -58,7 +76,7 @@ void* StringRowOps<Kind>::convertFrom(KtTypeConvertData* data, unsigned long cou
       values[i].SetNullValue();
     }
   }
-  return values;
+  return watch.hasFailed() ? destroy(values, count) : values;
 }
 
 template <class Kind>

@@ -2,6 +2,7 @@
 #include "ktint64.h"
 
 #include "ktstring.h"
+#include "text/allocation_watch.h"
 #include "text/integer_digits.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
@@ -104,12 +105,15 @@ void appendText(KtString& out, const KtInt64& number, const char* format) {
 }
 
 [[gnu::noinline]] KtString& printText(KtString& out, const KtInt64& number, const char* format) {
+  const kt::AllocationWatch watch;
+  const unsigned short before = out.Len();
   if (!kt::liesIn(out, format)) {
     appendText(out, number, format);
   } else {
     const KtString copy(format);  // what is printed would overwrite the format
     appendText(out, number, copy.StrGet());
   }
+  if (watch.hasFailed()) out.Cut(before, -1);  // a part is none
   return out;
 }
 

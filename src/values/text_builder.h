@@ -21,21 +21,21 @@ public:
     if (sizeof text_ - used_ < kMaxDecimals) flush();
     used_ = static_cast<unsigned long>(std::to_chars(text_ + used_, text_ + sizeof text_, number).ptr - text_);
   }
-  // The text becomes that of `out`, in the default 8-bit code set and language.
+  // The text becomes that of `out`, in the default 8-bit code set and language. Without memory for all of it out stays.
   KtString& moveTo(KtString& out) {
     if (!flushed_) {
       assignText(out, text_, used_);
       return out;
     }
     flush();
-    return out.Destruct(front_);
+    return isWhole_ ? out.Destruct(front_) : out;
   }
 
 private:
   static constexpr unsigned long kMaxDecimals = 10;
 
   void flush() {
-    appendAscii(front_, text_, used_);
+    isWhole_ = appendAscii(front_, text_, used_) && isWhole_;
     used_ = 0;
     flushed_ = true;
   }
@@ -43,6 +43,7 @@ private:
   char text_[240];
   unsigned long used_ = 0;
   bool flushed_ = false;
+  bool isWhole_ = true;
   KtString front_{KtString::GetDefault8CodeSet(), KtString::GetDefaultLanguage()};
 };
 
