@@ -28,7 +28,9 @@ struct BlobPrivate;
 // Owner:  the blob owns its record (operator new) and the record its bytes (malloc).
 // Threads: a blob belongs to one thread at a time; const operations may run concurrently.
 //
-// Bytes given to an edit may lie in the blob itself, and a blob may be its own operand.
+// Bytes given to an edit may lie in the blob itself, and a blob may be its own operand. Null bytes count as none; so
+// does a null blob as an operand, but = and Destroy make null of it. Edits return the blob. They leave a null blob
+// null, but for SetTo, Append of bytes, Expand and Resize.
 class KTTM_API KtBlob {
 public:
   // --- make -----------------------------------------------------------------------------------------------------
@@ -58,8 +60,10 @@ public:
   // Becomes a copy of n bytes. A buffer that holds n to n + 128 bytes is used again, else one of n bytes is allocated;
   // so in every copy into a blob that is not null.
   KtBlob& SetTo(const void* bytes, long n);
-  KtBlob& Expand(long size);           // exactly so many bytes in a new buffer; those behind the old ones uninitialised
-  KtBlob& Resize(unsigned long size);  // the same, but shrinking keeps the buffer; 0 frees it
+  KtBlob& Expand(long size);  // exactly so many bytes in a new buffer; those behind the old ones uninitialised
+  // The same, but shrinking keeps the buffer, and 0 frees it. Beyond the range a null blob becomes an empty one,
+  // without a call of the memory handler.
+  KtBlob& Resize(unsigned long size);
   KtBlob& Append(const void* bytes, long n);  // a null blob: as SetTo, unless n < 1
   KtBlob& Append(const KtBlob& other);
   KtBlob& operator+=(const KtBlob& other) { return Append(other); }

@@ -24,8 +24,8 @@ class KTTM_API KtBoolean {
 public:
   unsigned char value;
 
-  constexpr KtBoolean() : value(0) {}
-  // True for all numbers but 0, 255 included.
+  constexpr KtBoolean() : value(0) {}  // false
+  // True for all numbers but 0, 255 included. A double goes through long: 0.5 is false.
   constexpr KtBoolean(long number) : value(number != 0) {}
   template <class Number>
     requires std::is_integral_v<Number>

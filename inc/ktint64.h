@@ -23,7 +23,8 @@ class KtString;
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 //
-// Numbers of every integer type and double convert implicitly, on either side of every operator.
+// Numbers of every integer type and double convert implicitly, on either side of the comparisons and of + - * / % | &
+// and on the right of the compound operators. Shifts take a KtInt64 on the left and an unsigned count.
 class KTTM_API KtInt64 {
 public:
   std::uint32_t low;

@@ -79,16 +79,16 @@ public:
   // % and another character print that character.
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   // Becomes the id in a text by a format; null stands for "(%H-%L#%B)". A text that begins with the null print string
-  // gives null. Each directive of a field reads a decimal number, at most 2^32 - 1, of which 16-bit fields keep the low
-  // bits; every other character and directive skips one character unchecked. Fields that the format does not name
-  // become 0.
+  // gives null. Each directive of a field reads a decimal number, at most 2^32 - 1 and possibly behind blanks and a
+  // sign, of which 16-bit fields keep the low bits; without a number the field stays. Every other character and
+  // directive skips one character unchecked. Fields that get no number become 0.
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };
 
 // KtDBOId: an object id in one of several databases.
 //
 // Range:  as KtObjId, and the database number 0 to 65535.
-// Null:   as KtObjId; the database number does not count.
+// Null:   low and high 0 print as null; there is no test of its own.
 // Order:  the database, then high, then low; a KtObjId counts as one of database 0.
 // Size:   12 bytes.
 // Disk:   none: lives in memory only.
@@ -122,6 +122,7 @@ public:
   }
   constexpr int operator!=(const KtObjId& other) const { return database > 0 ? 1 : KtObjId(block, low, high) != other; }
 
+  // As KtObjId.
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };

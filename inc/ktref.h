@@ -140,6 +140,7 @@ public:
     return ids != 0 || other.database == 0 ? ids : -1;
   }
 
+  // As KtRef; null stands for "(%H-%L#%B,%C)".
   KtString& PrintToKtString(KtString& out, const char* format = nullptr) const;
   void ScanFromKtString(const KtString& in, const char* format = nullptr);
 };

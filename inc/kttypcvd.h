@@ -8,7 +8,7 @@
 
 class KtTypeMgr;
 
-// Range:  count of 0 and more; the type id is 11 (KtString) in every use of this library, 100 after release.
+// Range:  count of 0 to 2,147,483,647; the type id is 11 (KtString) in every use of this library, 100 after release.
 // Null:   data may be null: a holder of nothing.
 // Owner:  the holder owns data exactly when typeManager is set: its destructor then deletes data through that manager.
 //         A holder without manager does not free data.
@@ -21,14 +21,15 @@ public:
   char typeId;
 
   // A new holder with these fields, which the caller deletes; null when memory is exhausted (the memory handler is
-  // called).
+  // called), and for a count beyond the range.
   static KtTypeConvertData* Make(char typeId, unsigned long count, void* data, KtTypeMgr* typeManager);
   ~KtTypeConvertData();
   KtTypeConvertData(const KtTypeConvertData&) = delete;
   KtTypeConvertData& operator=(const KtTypeConvertData&) = delete;
+  // The same in place; a holder of nothing for a count beyond the range.
   KtTypeConvertData(char typeId, unsigned long count, void* data, KtTypeMgr* typeManager);
 
-  // The string at index, or null: index not below count, another type id, or no data.
+  // The string at index, or null: index negative or not below count, another type id, or no data.
   KtString* GetString(int index) const;
 };
 

@@ -64,12 +64,16 @@ constexpr char KtNO_TYPE = 100;          // "no type": a released KtTypeConvertD
 constexpr int KtERR_NOT_APPLICABLE = -2999;  // of the null operations: no such operation for this type
 constexpr int KtERR_OVERRUN = 2101;          // status: a run ended before `count` values, or rests on a truncated key
 
-// The operations. Every one works on a run of `count` values; a count of 0 does nothing and answers 0 (Create and what
-// builds on it: an array of no values, which Delete takes back). Disk runs may be unaligned. Null pointers to values are
-// the caller's error where count is not 0.
+// The operations. Every one works on a run of `count` values; a count of 0 does nothing and answers 0, with exceptions:
+// Create and what builds on it make an array of no values, which Delete takes back; print and scan of other types than
+// char and KtByte look at the first value whatever the count is; a run of 0 blobs has a header of 4 bytes on disk; the
+// estimate of KtClassId is always 1. Disk runs may be unaligned. Null pointers to values are the caller's error where
+// count is not 0; but SizeGet of fixed sizes looks at none, and print and scan do nothing with one.
+// Lengths are in bytes; those of Compare and Hash are 0 where a run holds exactly count values.
 // format: low four bits 8 memory, 1 laid out like memory, 2 big-endian, 4 little-endian with two-byte int, other codes
 // little-endian. status: 0, or KtERR_OVERRUN.
-// Owner: arrays that an operation returns belong to the caller, who frees them by Delete with the same count.
+// Owner: arrays that an operation returns belong to the caller, who frees them by Delete with the same count. They, and
+// holders, are null when memory is exhausted.
 // Threads: any thread may call any operation; runs that an operation writes belong to one thread at a time.
 using KtCreateFunc = void* (*)(unsigned long count);
 using KtDeleteFunc = void* (*)(void* values, unsigned long count);
@@ -108,23 +112,23 @@ struct KtTypeDescriptor {
   KtStoreFunc Store;                            // memory form to disk form; the bytes written
   KtLoadFunc Load;                              // disk form to memory form; the bytes read
   KtNullSizeGetFunc NullSizeGet;                // disk bytes of `count` null values
-  KtSizeGetFunc SizeGet;                        // disk bytes of `count` values held in givenFormat
+  KtSizeGetFunc SizeGet;                        // disk bytes, in format, of values held in givenFormat
   KtSizeGetFromMemFileFunc SizeGetFromMemFile;  // the same at the file's position, which stays
   KtTypeCmpFunc Compare;                        // below 0, 0, above 0: of the first pair that differs
   KtEvalAndBoundFunc EvalAndBound;              // selectivity 0 to 1, and bounds of an index scan: kttypbnd.h
-  KtHashFunc Hash;                              // 32 bits; equal values hash alike
+  KtHashFunc Hash;                              // 32 bits; equal values hash alike (docs/decisions.md: exceptions)
   KtConvertToFunc ConvertTo;                    // one KtString a value; the caller owns the holder
   KtConvertFromFunc ConvertFrom;                // a new array, made by Create; missing strings count as null ones
   KtConstructorFunc Constructor;                // constructs in place
   KtDestructorFunc Destructor;                  // destroys in place
   KtAssignmentFunc Assignment;                  // fill non-zero: the one value at src goes to all elements
   KtCopyFunc Copy;                              // as Assignment, for uninitialised destinations
-  KtTranslateFunc Translate;                    // between two forms, memory or disk; the bytes produced
+  KtTranslateFunc Translate;                    // between two forms; disk bytes read or written, or bytes copied
   KtIsNullFunc IsNull;                          // non-zero for null; 0 for types without null
   KtSetNullFunc SetNull;                        // makes the value null; 0, or KtERR_NOT_APPLICABLE
   const char* Format;                           // default print and scan format
   KtPrintToKtStringFunc PrintToKtString;        // returns out
-  KtScanFromKtStringFunc ScanFromKtString;      // returns values
+  KtScanFromKtStringFunc ScanFromKtString;      // returns values (the illegal row: null)
   unsigned short MemLen;                        // bytes of one value in memory form
   unsigned short IsFixed;                       // 1 fixed length, 0 variable
   KtDefaultValueFunc DefaultValue;              // a new array of default values, of null ones on request

@@ -75,7 +75,7 @@ KTBS_API unsigned long DoubleNullSizeGet(unsigned long count);
 KTBS_API unsigned long IntNullSizeGet(unsigned long count);
 
 // ---------------------------------------------------------------------------------------------------------
-// MemFile: a read cursor over bytes that it does not own. The bytes must outlive it.
+// MemFile: a read cursor over bytes that it does not own. The bytes must outlive it. Belongs to one thread at a time.
 // ---------------------------------------------------------------------------------------------------------
 class KTBS_API MemFile {
 public:
@@ -101,7 +101,8 @@ private:
 // Assertions and memory.
 // ---------------------------------------------------------------------------------------------------------
 
-// Reports a broken internal rule to the assertion handler and returns: the caller goes on.
+// Reports a broken internal rule to the assertion handler and returns: the caller goes on. The texts may be null: the
+// default handler prints "?" for them.
 KTBS_API void KATO_assert(const char* message, const char* source, int line);
 
 using KtAssertHandler = void (*)(const char* message, const char* source, int line);
@@ -119,7 +120,7 @@ using KtMemoryHandler = void (*)(unsigned long size);
 KTBS_API KtMemoryHandler KtSetMemoryHandler(KtMemoryHandler handler);
 
 // ---------------------------------------------------------------------------------------------------------
-// Configuration: 16-bit settings by key and qualifier.
+// Configuration: 16-bit settings by key and qualifier. Threads may read one concurrently while none sets.
 // ---------------------------------------------------------------------------------------------------------
 class KTBS_API KtConfig {
 public:
@@ -169,7 +170,7 @@ public:
   virtual int OffsetMinutes() = 0;
 };
 
-// Returns the clock that was set (null: the system's). The caller keeps ownership.
+// Null restores the system's clock. Returns the clock that was set (null: the system's). The caller keeps ownership.
 KTBS_API KtClock* KtSetClock(KtClock* clock);
 
 // A year outside 16 bits is cut to them.

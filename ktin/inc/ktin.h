@@ -20,7 +20,9 @@
 // Attaches (non-zero) or detaches (0) the library; returns 1. Nothing needs it: tables are built on first use.
 KTIN_API int ___KtI18NContext(int attach);
 
-// Process-wide defaults. Each value is independent of the others; at load as given in brackets.
+// Process-wide defaults. Each value is independent of the others; at load as given in brackets. The setters take every
+// value: codes without a meaning count as KtCodeSet and KtUnicodeProps say. Strings take a default 8-bit set of 16-bit
+// units as 1, and a default 16-bit set of 8-bit characters as 253.
 class KTIN_API KtLanguageContext {
 public:
   static unsigned char GetDefaultCodeSet() { return codeSet_; }      // [1] of an empty KtString

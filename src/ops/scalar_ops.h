@@ -158,7 +158,8 @@ struct ScalarOps {
   }
 
 private:
-  // Who calls without a format gets the row's own, which the description of the value names or finds itself.
+  // Who calls without a format gets the one that the description of the value names, or else finds itself: the row's
+  // own, or that of its class.
   static const char* formatOr(const char* format) {
     if constexpr (requires { V::kFormat; }) return format != nullptr ? format : V::kFormat;
     return format;

@@ -17,7 +17,7 @@ inline unsigned long copyDiskForm(void* dst, unsigned long dstLength, const void
   return bytes;
 }
 
-// load, store and assign each return the bytes that they produced.
+// load and store return the disk bytes that they read or wrote, assign those in memory.
 template <class Load, class Store, class Assign>
 unsigned long translateRun(void* dst, unsigned char dstFormat, unsigned long dstLength, const void* src,
                            unsigned char srcFormat, unsigned long srcLength, Load load, Store store, Assign assign) {
