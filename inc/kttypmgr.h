@@ -70,8 +70,8 @@ public:
   long Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short options,
            unsigned long count, unsigned char format, int& status) const;
   // Selectivity, 0 to 1; without a range (null, or a side not set) 0, but for identities. flags (KtBOUND_...) may be
-  // masked in place, to 0x800F; a null result records no bounds. key is in disk form, for strings in any; of a run the
-  // first value counts. See kttypbnd.h.
+  // masked in place, to 0x800F; a null result records no bounds. key is in disk form, for strings in any, and not null
+  // unless count is 0; of a run the first value counts. See kttypbnd.h.
   float EvalAndBound(char id, KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
                      unsigned long count, KtIdxBounds* result, KtEvalData* data) const;  // data is not used
   unsigned long Hash(char id, unsigned long length, void* values, unsigned long count, unsigned char format,

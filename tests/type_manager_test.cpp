@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -119,6 +120,24 @@ TEST(TypeManager, printing_reads_what_lies_in_its_target) {
     void* values = c.values == nullptr ? out.buffer : c.values;
     mgr.PrintToKtString(c.id, out, values, c.formatsItself ? out.buffer : nullptr, c.count);
     EXPECT_STREQ(out.StrGet(), c.printed) << c.text;
+  }
+}
+
+TEST(TypeManager, values_of_all_rows_may_lie_in_the_text_that_they_print_to) {
+  KtTypeMgr mgr(12);
+  const std::string text = "A long text, of which the first bytes are values in any form";
+  for (int number = 0; number < KT_ID_illegal; ++number) {
+    const auto id = static_cast<char>(number);
+    if (mgr.IsFixed(id) == 0) continue;
+    for (unsigned long count : {1ul, 2ul}) {
+      double apart[5];  // two values of the longest
+      std::memcpy(apart, text.c_str(), sizeof apart);
+      KtString expected(text.c_str());
+      mgr.PrintToKtString(id, expected, apart, nullptr, count);
+      KtString out(text.c_str());
+      mgr.PrintToKtString(id, out, out.buffer, nullptr, count);
+      EXPECT_STREQ(out.StrGet(), expected.StrGet()) << number << " " << count;
+    }
   }
 }
 

@@ -9,6 +9,7 @@
 #include "ops/date_kernels.h"
 #include "ops/scalar_ops.h"
 #include "values/datetime_text.h"
+#include "values/string_edit.h"
 
 #include <cstdint>
 #include <cstring>
@@ -157,7 +158,13 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
     return DateValue::number(code, p) * kDay + TimeValue::number(code, p + sizeof(KtDate));
   }
   static void print(KtString& out, void* value, const char* format) {
-    printDateTime(out, value, format == nullptr ? kDateTimeFormat : format);
+    format = format == nullptr ? kDateTimeFormat : format;
+    if (liesIn(out, static_cast<const char*>(value))) [[unlikely]] {
+      const auto copy = readValue<KtDateTime>(value);  // the text may move
+      printDateTime(out, &copy, format);
+    } else {
+      printDateTime(out, value, format);
+    }
   }
   static bool scan(void* value, const KtString& in, const char* format) {
     return scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
