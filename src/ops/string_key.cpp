@@ -132,14 +132,15 @@ bool KeyRun::next(IndexKey& key) {
   const unsigned long length = readLength(at_, code_);
   const unsigned long size = std::min(length + kLengthBytes, left_);
   key.body = at_ + kTextAt;
-  key.codeSet = at_[kCodeSetAt];
-  key.language = at_[kLanguageAt];
-  const bool isInside = length >= kEmptyLength && size == length + kLengthBytes;
+  // Damaged lengths leave no room for code set and language, and nothing may be read behind them.
+  const bool hasFields = length >= kEmptyLength;
+  key.codeSet = hasFields ? at_[kCodeSetAt] : 0;
+  key.language = hasFields ? at_[kLanguageAt] : 0;
+  const bool isInside = hasFields && size == length + kLengthBytes;
   key.isCut = !isInside || at_[length] != kTextEnd;
   // Without its own end the key has what there is, up to its length and that of the run.
   const unsigned long there = size > kTextAt ? size - kTextAt : 0;
-  key.bytes = isInside || length < kEmptyLength ? std::max(length, kEmptyLength) - kEmptyLength
-                                                : std::min(there, length - kEmptyLength);
+  key.bytes = !hasFields ? 0 : isInside ? length - kEmptyLength : std::min(there, length - kEmptyLength);
   if (key.isNull()) key.bytes = 0;
   if (!key.isRaw()) key.bytes &= ~(kKeyWord - 1);
   at_ += size;
