@@ -429,6 +429,26 @@ TEST(StringEstimate, one_unit_is_added_for_a_bound_that_ties_and_is_selected) {
   EXPECT_EQ(estimateRecord(kCaseIString, &folded, kEqual, text("A")), 1);
 }
 
+// Keys of strings in memory have the host's byte order, as records in memory layout have.
+TEST(StringEstimate, does_not_depend_on_where_the_value_lies) {
+  constexpr unsigned char kLayout = 1;
+  for (const Row& row : kRows) {
+    for (const char* bound : {"D", "Dddd"}) {
+      const Range range(keyOf(row, text(bound), 0x80 | kLayout), keyOf(row, text(bound), 0x80 | kLayout));
+      for (const char* value : {"", "d", "D", "dddd", "DDDD", "Dddd", "m"}) {
+        for (unsigned short flags = 1; flags <= 7; ++flags) {
+          KtIdxBounds known = range;
+          KtString inMemory = text(value);
+          unsigned short given = flags;
+          const float share = row.evalAndBound(&known, given, &inMemory, kMemory, 1, nullptr);
+          EXPECT_EQ(share, estimateRecord(row, &known, flags, inMemory, nullptr, kLayout))
+              << row.name << " " << bound << " " << value << " " << flags;
+        }
+      }
+    }
+  }
+}
+
 TEST(StringEstimate, is_0_without_a_whole_range_and_the_bounds_are_recorded_all_the_same) {
   const Bytes low = keyOf(kString, text("a")), high = keyOf(kString, text("z"));
   for (int missing = 0; missing < 2; ++missing) {

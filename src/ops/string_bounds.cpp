@@ -82,7 +82,7 @@ void keepLiteral(Comparison& comparison, unsigned char code) {
 
 template <class Kind>
 unsigned long writeKey(KeyBytes& to, const void* key, unsigned char format) {
-  const unsigned char code = lowCode(format);
+  const unsigned char code = keyCode(format);
   TextRef text;
   if (isMemoryForm(format)) {
     MemoryRun<Kind>(key, 0, format & kCodeSetBits).next(text);
@@ -197,7 +197,7 @@ constexpr IndexKey kNullKey{nullptr, 0, 0, kNullLanguage, false};
 
 template <class Kind>
 bool readComparison(Comparison& to, const void* key, unsigned char format) {
-  const unsigned char code = lowCode(format);
+  const unsigned char code = keyCode(format);
   to.key.size = writeKey<Kind>(to.key, key, format);
   if (to.key.size == 0 || !KeyRun(to.key.bytes, to.key.size, code).next(to.literal)) return false;
   const bool isText = isMemoryForm(format) || (format & kIndexKeyForm) == 0;

@@ -106,7 +106,7 @@ float evalAndBoundStrings(KtIdxBounds* range, unsigned short& flags, void* key, 
                           unsigned long count, KtIdxBounds* result) {
   Comparison comparison;
   if (count == 0 || key == nullptr || !readComparison<Kind>(comparison, key, format)) return 0;
-  const unsigned char code = lowCode(format);
+  const unsigned char code = keyCode(format);
   const float share = range != nullptr ? estimateShare<Kind>(*range, comparison, flags, code) : 0;
   if (result != nullptr) recordStringBounds(*result, comparison, flags, Kind::kHasNull, code);
   return share;

@@ -31,6 +31,9 @@ inline Weight loadKeyWord(const unsigned char* at) {
   return Weight{at[0]} << 24 | Weight{at[1]} << 16 | Weight{at[2]} << 8 | at[3];
 }
 
+// The code of the keys that belong to values in a form; those of strings in memory follow the host.
+constexpr unsigned char keyCode(unsigned char format) { return isMemoryForm(format) ? kMemoryLayout : lowCode(format); }
+
 // --- writing ------------------------------------------------------------------------------------------------------
 
 // Writes the key of a text into at most `room` bytes; a key that is too long is cut between two characters. goesOn: the
