@@ -154,13 +154,12 @@ bool IndexScan::firstBefore(MDB_val& key, MDB_val& data) {
 // last byte counts as cut behind its last character.
 bool IndexScan::shorten() {
   const char type = index_->field().type;
-  if (cut_.empty()) {
-    if (manager().IsFixed(type) != 0 || high_.size() < 2) return false;
-    cut_.assign(high_.begin(), high_.end() - 1);
-    return true;
-  }
+  const bool isFirst = cut_.empty();
+  if (isFirst && (manager().IsFixed(type) != 0 || high_.empty())) return false;
   unsigned char shorter[KtINDEX_MAX_KEYLEN];
-  const unsigned long size = keyAt(shorter, cut_.size() - 1, type, cut_, kStoredKey);
+  const Bytes last = isFirst ? Bytes(high_.data(), high_.size() - 1) : Bytes(cut_);
+  const unsigned long room = isFirst ? high_.size() : cut_.size() - 1;
+  const unsigned long size = keyAt(shorter, room, type, last, kStoredKey);
   cut_.assign(shorter, shorter + size);
   return size != 0;
 }
@@ -199,18 +198,22 @@ bool IndexScan::nextBetween(MDB_val& key, MDB_val& data) {
 
 // Values under one key are judged once.
 bool IndexScan::isBetween() {
-  if (judged_.data == key_.data && judged_.size == key_.size && index_->txn_->readOnly()) return isBetween_;
+  if (isJudged_) return isBetween_;
+  isJudged_ = true;
   const char type = index_->field().type;
-  judged_ = key_;
-  isBetween_ = (low_.empty() || isBefore(type, low_, key_)) && (high_.empty() || isBefore(type, key_, high_));
+  isBetween_ = isBelowHigh_ && (low_.empty() || isBefore(type, low_, key_));
   return isBetween_;
 }
 
 // The next id under the key that was compared last is not compared again.
-bool IndexScan::isBeyond(Bytes key) const {
-  if (high_.empty()) return false;
-  const bool isSameKey = index_->txn_->readOnly() && key.data == key_.data && key.size == key_.size;
-  return !isSameKey && index_->compareKeys(key, high_) > 0;
+bool IndexScan::isBeyond(Bytes key) {
+  if (index_->txn_->readOnly() && key.data == key_.data && key.size == key_.size) return false;
+  isJudged_ = false;
+  isBelowHigh_ = high_.empty();
+  if (isBelowHigh_) return false;
+  const KeyOrder order = orderOf(index_->field().type, key, high_);
+  isBelowHigh_ = order.result < 0 && order.isDecided;
+  return order.result > 0;
 }
 
 bool IndexScan::next() {
@@ -220,6 +223,7 @@ bool IndexScan::next() {
   if (!found) {
     behind_ = true;
     found = nextCut(key, data);
+    isBelowHigh_ = isJudged_ = false;
   }
   ended_ = !found;
   if (!found) return false;

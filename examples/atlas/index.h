@@ -62,7 +62,7 @@ private:
   bool nextCut(MDB_val& key, MDB_val& data);
   bool shorten();
   bool findCut(MDB_val& key, MDB_val& data);
-  bool isBeyond(Bytes key) const;
+  bool isBeyond(Bytes key);
 
   const Index* index_;
   Cursor cursor_;
@@ -76,7 +76,8 @@ private:
   Buffer cut_;           // the beginning that was looked for last
   ObjId id_;
   Bytes key_;
-  Bytes judged_;  // the key that isBetween_ is of
+  bool isBelowHigh_ = false;  // the key, certainly
+  bool isJudged_ = false;     // isBetween_ is of the key
   bool isBetween_ = false;
 };
 
