@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,14 @@ void addEstimate(CLI::App& app);
 void addConvert(CLI::App& app);
 void addOrder(CLI::App& app);
 void addKey(CLI::App& app);
+
+// Adds a subcommand: Command declares its options when it is made of it, and works in run().
+template <class Command>
+void addCommand(CLI::App& app, const char* name, const char* description, const char* examples) {
+  CLI::App* command = app.add_subcommand(name, description);
+  command->footer(examples);
+  command->callback([work = std::make_shared<Command>(*command)] { work->run(); });
+}
 
 // The parser takes "[a,b]" apart into two values, and forgets "--" where a list has begun. So arguments go through
 // guarded() before they are parsed and come back through the functions below: every text arrives as it was typed.

@@ -3,7 +3,6 @@
 #include "error.h"
 
 #include <cstdio>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -40,13 +39,13 @@ const char kCompareExamples[] =
 struct Hash {
   CLI::Option* type;
   CLI::Option* values;
-  CLI::Option* run;
+  CLI::Option* asRun;
   ReadFlags read;
 
   explicit Hash(CLI::App& command)
       : type(addType(command)),
         values(addList(command, "VALUE", "texts of the values")->required()),
-        run(addFlag(command, "--run", "one hash of all values as a run")),
+        asRun(addFlag(command, "--run", "one hash of all values as a run")),
         read(command) {}
 
   static void print(const Values& values, unsigned long index, unsigned long count) {
@@ -57,10 +56,10 @@ struct Hash {
     printLine(line);
   }
 
-  void hashAll() const {
+  void run() const {
     const Reader reader(parseType(text(*type, "")), read.options());
     const Values all = reader.readAll(texts(*values));
-    if (run->count() > 0) return print(all, 0, all.count());
+    if (asRun->count() > 0) return print(all, 0, all.count());
     for (unsigned long i = 0; i < all.count(); ++i) print(all, i, 1);
   }
 };
@@ -74,17 +73,11 @@ const char kHashExamples[] =
 }  // namespace
 
 void addCompare(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("compare", "Tells which of two values comes first");
-  command->footer(kCompareExamples);
-  const auto compare = std::make_shared<Compare>(*command);
-  command->callback([compare] { compare->run(); });
+  addCommand<Compare>(app, "compare", "Tells which of two values comes first", kCompareExamples);
 }
 
 void addHash(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("hash", "Prints the 32-bit hash of each value, in hexadecimal");
-  command->footer(kHashExamples);
-  const auto hash = std::make_shared<Hash>(*command);
-  command->callback([hash] { hash->hashAll(); });
+  addCommand<Hash>(app, "hash", "Prints the 32-bit hash of each value, in hexadecimal", kHashExamples);
 }
 
 }  // namespace tool

@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -106,10 +105,7 @@ const char kExamples[] =
 }  // namespace
 
 void addConvert(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("convert", "Converts characters from one code set to another");
-  command->footer(kExamples);
-  const auto convert = std::make_shared<Convert>(*command);
-  command->callback([convert] { convert->run(); });
+  addCommand<Convert>(app, "convert", "Converts characters from one code set to another", kExamples);
 }
 
 }  // namespace tool

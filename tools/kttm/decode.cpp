@@ -5,7 +5,6 @@
 #include "files.h"
 
 #include <limits>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -71,10 +70,7 @@ const char kExamples[] =
 }  // namespace
 
 void addDecode(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("decode", "Turns stored bytes into texts, one line a value");
-  command->footer(kExamples);
-  const auto decode = std::make_shared<Decode>(*command);
-  command->callback([decode] { decode->run(); });
+  addCommand<Decode>(app, "decode", "Turns stored bytes into texts, one line a value", kExamples);
 }
 
 }  // namespace tool

@@ -3,8 +3,6 @@
 #include "error.h"
 #include "files.h"
 
-#include <memory>
-
 namespace tool {
 namespace {
 
@@ -60,10 +58,7 @@ const char kExamples[] =
 }  // namespace
 
 void addEncode(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("encode", "Turns texts into the bytes that are stored");
-  command->footer(kExamples);
-  const auto encode = std::make_shared<Encode>(*command);
-  command->callback([encode] { encode->run(); });
+  addCommand<Encode>(app, "encode", "Turns texts into the bytes that are stored", kExamples);
 }
 
 }  // namespace tool

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -134,11 +133,8 @@ const char kExamples[] =
 }  // namespace
 
 void addEstimate(CLI::App& app) {
-  CLI::App* command =
-      app.add_subcommand("estimate", "Estimates the share of an index that a comparison selects, and bounds the scan");
-  command->footer(kExamples);
-  const auto estimate = std::make_shared<Estimate>(*command);
-  command->callback([estimate] { estimate->run(); });
+  addCommand<Estimate>(app, "estimate",
+                       "Estimates the share of an index that a comparison selects, and bounds the scan", kExamples);
 }
 
 }  // namespace tool

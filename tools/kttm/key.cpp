@@ -2,8 +2,6 @@
 #include "cli.h"
 #include "error.h"
 
-#include <memory>
-
 namespace tool {
 namespace {
 
@@ -52,10 +50,7 @@ const char kExamples[] =
 }  // namespace
 
 void addKey(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("key", "Prints the index key of each text, in hexadecimal");
-  command->footer(kExamples);
-  const auto key = std::make_shared<Key>(*command);
-  command->callback([key] { key->run(); });
+  addCommand<Key>(app, "key", "Prints the index key of each text, in hexadecimal", kExamples);
 }
 
 }  // namespace tool

@@ -3,7 +3,6 @@
 #include "terminal.h"
 
 #include <cstdio>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -60,10 +59,7 @@ const char kExamples[] =
 }  // namespace
 
 void addOrder(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("order", "Shows the collation orders of a text, in hexadecimal and in words");
-  command->footer(kExamples);
-  const auto order = std::make_shared<Order>(*command);
-  command->callback([order] { order->run(); });
+  addCommand<Order>(app, "order", "Shows the collation orders of a text, in hexadecimal and in words", kExamples);
 }
 
 }  // namespace tool

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <numeric>
 
 namespace tool {
@@ -132,11 +131,6 @@ const char kExamples[] =
 
 }  // namespace
 
-void addSort(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("sort", "Sorts lines in the order of a type");
-  command->footer(kExamples);
-  const auto sort = std::make_shared<Sort>(*command);
-  command->callback([sort] { sort->run(); });
-}
+void addSort(CLI::App& app) { addCommand<Sort>(app, "sort", "Sorts lines in the order of a type", kExamples); }
 
 }  // namespace tool

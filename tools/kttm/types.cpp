@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 namespace tool {
 namespace {
@@ -117,11 +116,6 @@ const char kExamples[] =
 
 }  // namespace
 
-void addTypes(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("types", "Lists the types and what they offer");
-  command->footer(kExamples);
-  const auto types = std::make_shared<Types>(*command);
-  command->callback([types] { types->run(); });
-}
+void addTypes(CLI::App& app) { addCommand<Types>(app, "types", "Lists the types and what they offer", kExamples); }
 
 }  // namespace tool
