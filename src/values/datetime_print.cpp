@@ -41,20 +41,21 @@ constexpr DigitPairs kDigitPairs;
   return at + length;
 }
 
-inline char* putPair(char* at, int number) {
-  if (static_cast<unsigned>(number) >= 100) [[unlikely]]
-    return putNumber(at, number, 2);
-  std::memcpy(at, kDigitPairs.text[static_cast<unsigned>(number)], 2);
+inline char* putTwo(char* at, unsigned number) {
+  std::memcpy(at, kDigitPairs.text[number], 2);
   return at + 2;
+}
+
+inline char* putPair(char* at, int number) {
+  const auto pair = static_cast<unsigned>(number);
+  return pair < 100 ? putTwo(at, pair) : putNumber(at, number, 2);
 }
 
 inline char* putYear(char* at, int year) {
   if (static_cast<unsigned>(year) >= 10000) [[unlikely]]
     return putNumber(at, year, 4);
   const unsigned century = static_cast<unsigned>(year) / 100;
-  std::memcpy(at, kDigitPairs.text[century], 2);
-  std::memcpy(at + 2, kDigitPairs.text[static_cast<unsigned>(year) - 100 * century], 2);
-  return at + 4;
+  return putTwo(putTwo(at, century), static_cast<unsigned>(year) - 100 * century);
 }
 
 // Anywhere, even where the "%" belongs to the directive before.
@@ -67,38 +68,63 @@ bool holdsHalfDay(const char* format) {
 
 constexpr long kLongestNumber = 6;
 
+// A negative one is very large.
+inline unsigned storedYear(const unsigned char* value) {
+  std::uint16_t year;
+  std::memcpy(&year, value, sizeof year);
+  return year;
+}
+
 struct Progress {
   char* at;
   const char* format;
+};
+
+// The fields of a value, by their places in it. Where the year begins, which no field of two digits does, stands what is
+// no number of two digits: that is what a directive without such a field finds.
+struct PairValues {
+  explicit PairValues(const unsigned char* value) {
+    std::memcpy(of, value, sizeof of);
+    of[0] = kNone;
+  }
+  unsigned at(unsigned char letter) const { return of[kPairFields.of[letter]]; }
+
+  static constexpr unsigned char kNone = 255;
+  unsigned char of[sizeof(KtDateTime)];
 };
 
 // Numbers of two digits, years of four, and the characters between them, which is what most formats hold: goes on while
 // `at` leaves room for a number, up to something else or the end of the format.
 [[gnu::always_inline]] inline Progress printPlain(char* at, const char* end, const char* format,
                                                   const unsigned char* value) {
+  const PairValues pairs(value);
   const char* const last = end - kLongestNumber;
   while (at <= last) {
-    if (*format != '%') {
+    if (*format != '%') [[unlikely]] {
       if (*format == '\0') break;
       *at++ = *format++;
       continue;
     }
     const auto letter = static_cast<unsigned char>(format[1]);
-    if (const unsigned char field = kPairFields.of[letter]; field != 0) {
-      if (value[field] >= 100) break;
-      at = putPair(at, value[field]);
-    } else if (letter == 'Y') {
-      std::uint16_t year;
-      std::memcpy(&year, value, sizeof year);
-      if (year >= 10000) break;
-      at = putYear(at, year);
-    } else {
-      break;
+    unsigned number = pairs.at(letter);
+    if (number >= 100) [[unlikely]] {
+      const unsigned year = storedYear(value);
+      if (letter != 'Y' || year >= 10000) break;
+      const unsigned century = year / 100;
+      at = putTwo(at, century);
+      number = year - 100 * century;
     }
-    format += 2;
-    if (*format == '%') continue;
-    if (*format == '\0') break;
-    *at++ = *format++;  // there is room: no number has as many digits as the longest
+    putTwo(at, number);
+    // What most often follows is one character; there is room: no number has as many digits as the longest.
+    const char next = format[2];
+    if (next == '%' || next == '\0') {
+      at += 2;
+      format += 2;
+    } else {
+      at[2] = next;
+      at += 3;
+      format += 3;
+    }
   }
   return {at, format};
 }
