@@ -41,34 +41,52 @@ Written writeRaw(unsigned char* out, unsigned long room, const TextRef& text) {
   return {bytes, bytes == text.limit || text.text[bytes] == 0};
 }
 
-Written writeWords(unsigned char* out, unsigned long room, const TextRef&, const ByteCursor& cursor) {
-  const unsigned long count = std::min(cursor.limit(), room / kKeyWord);
-  unsigned long i = 0;
+// Writes words from one table of 256, of the characters i to count, until one has no word there: it is none of the 256,
+// it has several orders, or the text ends. Returns the index of that character.
+template <class UnitAt>
+inline unsigned long writeFromTable(unsigned char* out, unsigned long i, unsigned long count, const Weight* weights,
+                                    UnitAt unitAt) {
   for (; i < count; ++i) {
-    const Weight weight = cursor.weightAt(i);
-    if (weight == 0) break;
+    const unsigned unit = unitAt(i);
+    if (unit > 255) break;
+    const Weight weight = weights[unit];
+    if (weight <= kSeveralOrders) break;
     storeKeyWord(out + i * kKeyWord, weight);
   }
+  return i;
+}
+
+[[gnu::always_inline]] inline Written writeWords(unsigned char* out, unsigned long room, const ByteCursor& cursor) {
+  const unsigned long count = std::min(cursor.limit(), room / kKeyWord);
+  const char* const text = cursor.data();
+  const unsigned long i = writeFromTable(out, 0, count, cursor.table()->of,
+                                         [text](unsigned long at) { return unsigned{unitAt(text, at, 1)}; });
   return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0};
 }
 
-Written writeWords(unsigned char* out, unsigned long room, const TextRef& text, const WideCursor& cursor) {
-  const int rotation = unitRotation(text.flag);
+// Most characters are below 256 and in the host's order. The page where the end of a text is never rises: it has no
+// offset.
+[[gnu::always_inline]] inline Written writeWords(unsigned char* out, unsigned long room, const WideCursor& cursor) {
+  const char* const text = cursor.data();
+  const int rotation = cursor.rotation();
+  const Weight* const near = cursor.table()->page[0].weights;
   const unsigned long count = std::min(cursor.limit(), room / kKeyWord);
   unsigned all = 0;
   unsigned long i = 0;
-  for (; i < count; ++i) {
-    const Weight weight = cursor.weightAt(i);
-    if (weight == 0) break;
-    const unsigned unit = loadUnit(text.text, i, rotation);
+  for (;; ++i) {
+    if (rotation == 0)
+      i = writeFromTable(out, i, count, near, [text](unsigned long at) { return loadUnit(text, at, 0); });
+    if (i == cursor.limit()) return {i * kKeyWord, true, all < 256};
+    const unsigned unit = loadUnit(text, i, rotation);
+    const Weight weight = weightOf(*cursor.table(), unit);
+    if (weight == 0 || i == count) return {i * kKeyWord, weight == 0, all < 256};
     all |= unit;
     storeKeyWord(out + i * kKeyWord, weight != kSeveralOrders ? weight : kSeveralOrdersMark | unit << 8);
   }
-  return {i * kKeyWord, i == cursor.limit() || cursor.weightAt(i) == 0, all < 256};
 }
 
 // Whether a Unicode text has no character of 256 or above from `start` on; four are looked at in one step.
-bool isLatin1From(unsigned long start, const TextRef& text) {
+[[gnu::noinline]] bool isLatin1From(unsigned long start, const TextRef& text) {
   constexpr std::uint64_t kHighBytes = 0xFF00FF00FF00FF00u;
   constexpr std::uint64_t kOnes = 0x0001000100010001u;
   const int rotation = unitRotation(text.flag);
@@ -84,8 +102,8 @@ bool isLatin1From(unsigned long start, const TextRef& text) {
 }
 
 // Whether the key is that of the text in ISO 8859-1: cut or not, that is up to the whole text.
-bool isLatin1Key(const TextRef& text, const Written& written, bool goesOn) {
-  if (text.codeSet != kUnicode || !written.isLatin1 || goesOn || !isNewUnicodeOrder()) return false;
+inline bool isLatin1Key(const TextRef& text, const Written& written, bool goesOn) {
+  if (!written.isLatin1 || goesOn || text.codeSet != kUnicode || !isNewUnicodeOrder()) return false;
   return written.whole || isLatin1From(written.bytes / kKeyWord, text);
 }
 
@@ -101,21 +119,43 @@ unsigned long finishKey(unsigned char* out, unsigned long bytes, unsigned char c
   return bytes + kEmptyRecord;
 }
 
+template <class WriteBody>
+[[gnu::always_inline]] inline unsigned long writeKey(unsigned char* out, unsigned long room, const TextRef& text,
+                                                     bool goesOn, unsigned char code, WriteBody writeBody) {
+  const Written written = writeBody(out + kTextAt, bodyRoom(room));
+  const unsigned char codeSet = isLatin1Key(text, written, goesOn) ? kLatin1 : text.codeSet;
+  const End end = written.whole && !goesOn ? End::kWhole : End::kGoesOn;
+  return finishKey(out, written.bytes, codeSet, text.language, end, code);
+}
+
+// Also notes the tables of texts that are usual from now on.
+[[gnu::noinline]] unsigned long writeUnusualKey(unsigned char* out, unsigned long room, const TextRef& text,
+                                                bool goesOn, unsigned char code) {
+  if (text.isNull()) return finishKey(out, 0, text.codeSet, text.language, End::kNull, code);
+  noteUsualTables(text.codeSet, text.language);
+  return writeKey(out, room, text, goesOn, code, [&](unsigned char* body, unsigned long free) {
+    if (text.codeSet == 0) return writeRaw(body, free, text);
+    return withCursor(text, TextRef::kToTerminator, [&](const auto& cursor) { return writeWords(body, free, cursor); });
+  });
+}
+
 }  // namespace
 
 unsigned long writeIndexKey(unsigned char* out, unsigned long room, const TextRef& text, bool goesOn,
                             unsigned char code) {
   if (room < kEmptyRecord) return 0;
-  if (text.isNull()) return finishKey(out, 0, text.codeSet, text.language, End::kNull, code);
-  unsigned char* body = out + kTextAt;
-  const unsigned long free = bodyRoom(room);
-  const Written written = text.codeSet == 0 ? writeRaw(body, free, text)
-                                            : withCursor(text, TextRef::kToTerminator, [&](const auto& cursor) {
-                                                return writeWords(body, free, text, cursor);
-                                              });
-  const bool isWhole = written.whole && !goesOn;
-  const unsigned char codeSet = isLatin1Key(text, written, goesOn) ? kLatin1 : text.codeSet;
-  return finishKey(out, written.bytes, codeSet, text.language, isWhole ? End::kWhole : End::kGoesOn, code);
+  const unsigned codes = text.language * 256u + text.codeSet;
+  if (const ByteWeights* table = usualByteWeights(codes)) {
+    return writeKey(out, room, text, goesOn, code, [&](unsigned char* body, unsigned long free) {
+      return writeWords(body, free, ByteCursor(text.text, text.limit, table));
+    });
+  }
+  if (const WideWeights* table = usualWideWeights(codes)) {
+    return writeKey(out, room, text, goesOn, code, [&](unsigned char* body, unsigned long free) {
+      return writeWords(body, free, WideCursor(text.text, text.limit, table, unitRotation(text.flag)));
+    });
+  }
+  return writeUnusualKey(out, room, text, goesOn, code);
 }
 
 unsigned long copyIndexKey(unsigned char* out, unsigned long room, const IndexKey& key, unsigned char code) {

@@ -112,11 +112,10 @@ unsigned long unsupported() {
   return 0;
 }
 
-}  // namespace
-
+// Everything but one string from memory into its key.
 template <class Kind>
-unsigned long translateStrings(void* dst, unsigned char dstFormat, unsigned long dstLength, void* src,
-                               unsigned char srcFormat, unsigned long srcLength, unsigned long count) {
+[[gnu::noinline]] unsigned long translateRun(void* dst, unsigned char dstFormat, unsigned long dstLength, void* src,
+                                             unsigned char srcFormat, unsigned long srcLength, unsigned long count) {
   const Forms forms{dstFormat, srcFormat};
   const Target target{static_cast<unsigned char*>(dst), dstLength};
   if (forms.toKeys()) return toKeys<Kind>(target, forms, src, srcLength, count);
@@ -126,6 +125,21 @@ unsigned long translateStrings(void* dst, unsigned char dstFormat, unsigned long
   if (!forms.fromMemory()) return copyDiskForm(dst, dstLength, src, srcLength);
   assignStrings(static_cast<KtString*>(dst), static_cast<const KtString*>(src), count);
   return count * sizeof(KtString);
+}
+
+}  // namespace
+
+template <class Kind>
+unsigned long translateStrings(void* dst, unsigned char dstFormat, unsigned long dstLength, void* src,
+                               unsigned char srcFormat, unsigned long srcLength, unsigned long count) {
+  const Forms forms{dstFormat, srcFormat};
+  if (count != 1 || !forms.toKeys() || !forms.fromMemory())
+    return translateRun<Kind>(dst, dstFormat, dstLength, src, srcFormat, srcLength, count);
+  TextRef text = textOf(*static_cast<const KtString*>(src), forms.codeSetBits());
+  Kind::see(text);
+  Target target{static_cast<unsigned char*>(dst), dstLength};
+  target.written = writeIndexKey(target.bytes, dstLength, text, false, lowCode(dstFormat));
+  return target.finish();
 }
 
 #define KT_INSTANTIATE(Kind)                                                                               \
