@@ -60,6 +60,21 @@ TEST(StringHash, is_the_same_in_every_code_set_and_length) {
   }
 }
 
+// Characters below 256, of pages of their own, of pages that rise, and with several orders, wherever they stand; the
+// texts also become usual on the way.
+TEST(StringHash, texts_in_host_order_hash_alike) {
+  const std::u16string all = u"\u0141\u00F3d\u017A ab \u9001\uAC00Z\u00FF\u0100\u00E9\u9001\u9001e.";
+  for (const unsigned char language : kLanguages) {
+    for (std::size_t start = 0; start < all.size(); ++start) {
+      for (std::size_t n = 0; start + n <= all.size(); ++n) {
+        std::u16string text = all.substr(start, n);
+        char* const data = reinterpret_cast<char*>(text.data());
+        EXPECT_EQ(HashString(253, language, data, -1, 1), slowHash(text, language, 0)) << start << " " << n;
+      }
+    }
+  }
+}
+
 TEST(StringHash, a_positive_length_takes_that_many_orders) {
   const std::u16string text = u"a\u9001\u00E9";  // the ideograph has two orders
   std::string data = stored(text, 253) + std::string(2, '\0');

@@ -1,11 +1,13 @@
 // str_hash.cpp - text hashes, taken several characters at a time.
 #include "str_hash.h"
 
+#include <type_traits>
+
 namespace kt {
 
 namespace {
 
-constexpr std::uint32_t powerOf9(int exponent) {
+constexpr std::uint32_t powerOf9(unsigned exponent) {
   std::uint32_t power = 1;
   for (; exponent > 0; --exponent) power *= 9u;
   return power;
@@ -77,7 +79,48 @@ std::uint32_t hashWhole(const WideCursor& cursor) {
   return several ? hashOrders(cursor, TextRef::kToTerminator) : h;
 }
 
+unsigned unitOf(const char* text, unsigned long i, const ByteWeights&) { return byteValue(text, i); }
+unsigned unitOf(const char* text, unsigned long i, const WideWeights&) { return loadUnit(text, i, 0); }
+
+// Of the characters below 256. The page where the end of a text is never rises: it has no offset.
+const Weight* nearWeights(const ByteWeights& table) { return table.of; }
+const Weight* nearWeights(const WideWeights& table) { return table.page[0].weights; }
+
+[[gnu::noinline]] std::uint32_t hashSeveralOrders(const char* text, const WideWeights& table) {
+  return hashOrders(WideCursor(text, TextRef::kToTerminator, &table, 0), TextRef::kToTerminator);
+}
+
+// As most texts that are hashed are short, the end is looked for on the way.
+template <class Table>
+[[gnu::always_inline]] inline std::uint32_t hashToZero(const char* text, const Table& table) {
+  const Weight* const near = nearWeights(table);
+  std::uint32_t h = 0;
+  for (unsigned long i = 0;; i += 4) {
+    std::uint32_t sum = 0;
+    for (unsigned k = 0; k < 4; ++k) {
+      const unsigned unit = unitOf(text, i + k, table);
+      if (unit == 0) return h * powerOf9(k) + sum;
+      Weight weight;
+      if constexpr (std::is_same_v<Table, ByteWeights>) {
+        weight = near[unit];
+      } else {
+        if (unit < 256) [[likely]]
+          weight = near[unit];
+        else
+          weight = weightOf(table, unit);
+        if (weight == kSeveralOrders) [[unlikely]]
+          return hashSeveralOrders(text, table);
+      }
+      sum = sum * 9u + weight;
+    }
+    h = h * powerOf9(4) + sum;
+  }
+}
+
 }  // namespace
+
+std::uint32_t hashTerminated(const char* text, const ByteWeights& table) { return hashToZero(text, table); }
+std::uint32_t hashTerminated(const char* text, const WideWeights& table) { return hashToZero(text, table); }
 
 std::uint32_t hashText(const TextRef& ref, short length) {
   if (ref.isNull()) return kNullTextHash;

@@ -12,6 +12,11 @@ constexpr std::uint32_t kNullTextHash = 0xFEFE7575u;
 // other negative lengths: 0. Null: kNullTextHash, whatever the length. Code set 0: by bytes, at most length of them.
 std::uint32_t hashText(const TextRef& ref, short length);
 
+// hashText of a whole text with a terminator, not null, by the table of its code set and language; 16-bit characters are
+// in the host's order.
+std::uint32_t hashTerminated(const char* text, const ByteWeights& table);
+std::uint32_t hashTerminated(const char* text, const WideWeights& table);
+
 // By bytes up to the terminator: as signed 8-bit values, or their low seven bits.
 std::uint32_t hashSignedBytes(const char* text, unsigned long limit);
 std::uint32_t hashLowBytes(const char* text, unsigned long limit);

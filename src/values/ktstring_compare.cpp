@@ -50,6 +50,12 @@ unsigned operatorBits(unsigned short cmpOp) {
   return kt::compareTexts(a, b, cmpOp, length, report);
 }
 
+[[gnu::noinline]] unsigned long hashInFull(unsigned char codeSet, unsigned char language, const char* data,
+                                           short length, unsigned char flag) {
+  kt::noteUsualTables(codeSet, language);
+  return kt::hashText({data, kt::TextRef::kToTerminator, codeSet, language, flag}, length);
+}
+
 int setWildcard(kt::Wildcard wildcard, const KtChar& ch) {
   const unsigned short unicode = ch.Unicode();
   const unsigned char kind = kt::collationKind(ch.language);
@@ -132,5 +138,11 @@ unsigned long HashKtString7(const KtString& s) {
 }
 
 unsigned long HashString(unsigned char codeSet, unsigned char language, char* data, short length, unsigned char flag) {
-  return kt::hashText({data, kt::TextRef::kToTerminator, codeSet, language, flag}, length);
+  if (length == -1 && data != nullptr) {
+    const unsigned codes = language * 256u + codeSet;
+    if (const kt::ByteWeights* table = kt::usualByteWeights(codes)) return kt::hashTerminated(data, *table);
+    const kt::WideWeights* table = kt::unitRotation(flag) == 0 ? kt::usualWideWeights(codes) : nullptr;
+    if (table != nullptr) return kt::hashTerminated(data, *table);
+  }
+  return hashInFull(codeSet, language, data, length, flag);
 }
