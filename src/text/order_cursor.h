@@ -64,6 +64,8 @@ constexpr std::int32_t keyDifference(Weight a, Weight b) { return static_cast<st
 
 // The weights of an 8-bit code set under one kind.
 struct ByteWeights {
+  static constexpr unsigned long kCharSize = 1;
+
   Weight of[256];
   Weight primary[256];  // without the lower levels; 0 for the end, kIgnorable for what is ignorable
   Weight significant;   // firstSignificant(kind)
@@ -78,6 +80,8 @@ constexpr Weight kSeveral = 2;    // of a character with several orders
 constexpr unsigned kNearUnits = 0x2100;  // the scripts of letters, and the marks of all texts
 
 struct WideWeights {
+  static constexpr unsigned long kCharSize = 2;
+
   struct Page {
     const Weight* weights;
     Weight offset;
@@ -164,7 +168,7 @@ inline Weight weightOf(const WideWeights& table, unsigned unit) {
 class ByteCursor {
 public:
   using Table = ByteWeights;
-  static constexpr unsigned long kCharSize = 1;
+  static constexpr unsigned long kCharSize = Table::kCharSize;
 
   ByteCursor(const char* text, unsigned long limit, const ByteWeights* table)
       : text_(reinterpret_cast<const unsigned char*>(text)), limit_(text != nullptr ? limit : 0), table_(table) {}
@@ -207,7 +211,7 @@ private:
 class WideCursor {
 public:
   using Table = WideWeights;
-  static constexpr unsigned long kCharSize = 2;
+  static constexpr unsigned long kCharSize = Table::kCharSize;
 
   WideCursor(const char* text, unsigned long limit, const WideWeights* table, int rotation)
       : text_(text), limit_(text != nullptr ? limit : 0), table_(table), rotation_(rotation) {}

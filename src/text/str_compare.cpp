@@ -47,26 +47,19 @@ unsigned long equalByWords(const char* a, const char* b, unsigned long count) {
   }
 }
 
-template <unsigned long kCharSize>
-bool sameCharacter(const char* a, const char* b, unsigned long i) {
-  if constexpr (kCharSize == 1) return a[i] == b[i] && a[i] != 0;
-  const unsigned unit = loadUnit(a, i, 0);
-  return unit == loadUnit(b, i, 0) && unit != 0;
-}
-
 // The number of leading characters that are the same. Whole words are read only where both texts are known to be
 // readable: a terminated text may end at the end of a page.
 template <unsigned long kCharSize>
 unsigned long equalPrefix(const char* a, const char* b, unsigned long count, bool readable) {
   unsigned long i = readable ? equalByWords<kCharSize>(a, b, count) : 0;
-  if (i < count && !sameCharacter<kCharSize>(a, b, i)) return i;
+  if (i < count && !isSameCharacter<kCharSize>(a, b, i)) return i;
   for (; count - i >= 4; i += 4) {  // by fours, without a loop condition in between
-    if (!sameCharacter<kCharSize>(a, b, i)) return i;
-    if (!sameCharacter<kCharSize>(a, b, i + 1)) return i + 1;
-    if (!sameCharacter<kCharSize>(a, b, i + 2)) return i + 2;
-    if (!sameCharacter<kCharSize>(a, b, i + 3)) return i + 3;
+    if (!isSameCharacter<kCharSize>(a, b, i)) return i;
+    if (!isSameCharacter<kCharSize>(a, b, i + 1)) return i + 1;
+    if (!isSameCharacter<kCharSize>(a, b, i + 2)) return i + 2;
+    if (!isSameCharacter<kCharSize>(a, b, i + 3)) return i + 3;
   }
-  while (i < count && sameCharacter<kCharSize>(a, b, i)) ++i;
+  while (i < count && isSameCharacter<kCharSize>(a, b, i)) ++i;
   return i;
 }
 
@@ -128,7 +121,8 @@ std::int32_t differenceBehind(unsigned long index, const Cursor& a, const Cursor
 
 // Texts of one form in host order that are alike before `start`.
 template <class Cursor>
-[[gnu::always_inline]] inline long compareFrom(unsigned long start, const Cursor& a, const Cursor& b, unsigned cmpOp) {
+[[gnu::always_inline]] inline long compareBehind(unsigned long start, const Cursor& a, const Cursor& b,
+                                                 unsigned cmpOp) {
   if (const std::int32_t primary = differenceBehind(start, a, b)) return primary;
   return compareSteps(a, b, cmpOp, stepBefore(start, a));
 }
@@ -210,16 +204,11 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
 long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
 
-long compareTerminated(const char* a, const char* b, const ByteWeights& table, unsigned cmpOp) {
-  const unsigned long start = equalPrefix<1>(a, b, TextRef::kToTerminator, false);
-  return compareFrom(start, ByteCursor(a, TextRef::kToTerminator, &table),
-                     ByteCursor(b, TextRef::kToTerminator, &table), cmpOp);
+long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) {
+  return compareBehind(start, a, b, cmpOp);
 }
-
-long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp) {
-  const unsigned long start = equalPrefix<2>(a, b, TextRef::kToTerminator, false);
-  return compareFrom(start, WideCursor(a, TextRef::kToTerminator, &table, 0),
-                     WideCursor(b, TextRef::kToTerminator, &table, 0), cmpOp);
+long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp) {
+  return compareBehind(start, a, b, cmpOp);
 }
 
 long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {

@@ -43,6 +43,14 @@ inline Weight farPrimary(const WideWeights& table, unsigned unit) {
   return farPrimary(table, unit);
 }
 
+// Whether two texts go on with the same character.
+template <unsigned long kCharSize>
+[[gnu::always_inline]] inline bool isSameCharacter(const char* a, const char* b, unsigned long index) {
+  if constexpr (kCharSize == 1) return a[index] == b[index] && a[index] != 0;
+  const unsigned unit = loadUnit(a, index, 0);
+  return unit == loadUnit(b, index, 0) && unit != 0;
+}
+
 // A primary difference, or 0 where either character decides nothing.
 [[gnu::always_inline]] inline std::int32_t decidedDifference(Weight k1, Weight k2) {
   return ((k1 | k2) & kLevelMask) == 0 ? keyDifference(k1, k2) : 0;
@@ -66,9 +74,17 @@ template <unsigned long kCharSize, class Table>
 long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
 long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp);
 
-// Of terminated texts wherever they lie.
-long compareTerminated(const char* a, const char* b, const ByteWeights& table, unsigned cmpOp);
-long compareTerminated(const char* a, const char* b, const WideWeights& table, unsigned cmpOp);
+// Leading characters that terminated texts have in common, wherever they lie. They are read one by one: a text may end
+// at the end of a page.
+template <unsigned long kCharSize>
+[[gnu::always_inline]] inline unsigned long equalStart(const char* a, const char* b) {
+  for (unsigned long i = 0;; ++i)
+    if (!isSameCharacter<kCharSize>(a, b, i)) return i;
+}
+
+// The whole comparison of texts of one form in host order, of which it is known that they are alike before `start`.
+long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
+long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp);
 
 // Of texts of bytes that lie in words, the first one lowest, and have no more than six: what lies above ends them.
 [[gnu::always_inline]] inline std::int32_t differenceInHeads(std::uint64_t a, std::uint64_t b,

@@ -41,6 +41,26 @@ unsigned operatorBits(unsigned short cmpOp) {
   return compareStrings(a, b, -1, KtLanguageContext::GetDefaultCmpOp());
 }
 
+kt::ByteCursor cursorOf(const char* text, const kt::ByteWeights& table) {
+  return {text, kt::TextRef::kToTerminator, &table};
+}
+kt::WideCursor cursorOf(const char* text, const kt::WideWeights& table) {
+  return {text, kt::TextRef::kToTerminator, &table, 0};
+}
+
+template <class Table>
+[[gnu::noinline]] long compareUndecided(unsigned long start, const char* a, const char* b, const Table& table,
+                                        unsigned cmpOp) {
+  return kt::compareFrom(start, cursorOf(a, table), cursorOf(b, table), cmpOp);
+}
+
+template <class Table>
+[[gnu::always_inline]] inline long compareTerminated(const char* a, const char* b, const Table& table, unsigned cmpOp) {
+  const unsigned long start = kt::equalStart<Table::kCharSize>(a, b);
+  if (const std::int32_t difference = kt::differenceAt(start, a, b, table)) return difference;
+  return compareUndecided(start, a, b, table, cmpOp);
+}
+
 // The same arguments again, so that KtStrCmp jumps here and needs no stack frame on its short way.
 [[gnu::noinline]] long compareInFull(unsigned char codeSet1, unsigned char language1, const char* s1,
                                      unsigned char codeSet2, unsigned char language2, const char* s2,
@@ -114,14 +134,9 @@ long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, u
   if (length == -1 && report == nullptr && kt::isPlainOperator(cmpOp) && codeSet1 == codeSet2 &&
       language1 == language2 && s1 != nullptr && s2 != nullptr) {
     const unsigned codes = language1 * 256u + codeSet1;
-    if (const kt::ByteWeights* table = kt::usualByteWeights(codes)) {
-      if (const std::int32_t difference = kt::differenceAt(0, s1, s2, *table)) return difference;
-      return kt::compareTerminated(s1, s2, *table, cmpOp);
-    }
-    if (const kt::WideWeights* table = kt::unitRotation(flag) == 0 ? kt::usualWideWeights(codes) : nullptr) {
-      if (const std::int32_t difference = kt::differenceAt(0, s1, s2, *table)) return difference;
-      return kt::compareTerminated(s1, s2, *table, cmpOp);
-    }
+    if (const kt::ByteWeights* table = kt::usualByteWeights(codes)) return compareTerminated(s1, s2, *table, cmpOp);
+    const kt::WideWeights* table = kt::unitRotation(flag) == 0 ? kt::usualWideWeights(codes) : nullptr;
+    if (table != nullptr) return compareTerminated(s1, s2, *table, cmpOp);
   }
   return compareInFull(codeSet1, language1, s1, codeSet2, language2, s2, cmpOp, length, flag, report);
 }
