@@ -1,4 +1,5 @@
-// ktapi.h - the export macro of kttm.
+// ktapi.h - the export macros of kttm: KTTM_API for classes and functions, KTTM_INLINE for member functions of such classes
+// that are defined in line and exported nevertheless, for programs that were built against a library that had only that.
 #ifndef KTAPI_H
 #define KTAPI_H
 
@@ -8,8 +9,10 @@
 #else
 #define KTTM_API __declspec(dllimport)
 #endif
+#define KTTM_INLINE inline
 #else
 #define KTTM_API __attribute__((visibility("default")))
+#define KTTM_INLINE inline __attribute__((visibility("default")))
 #endif
 
 #endif

@@ -130,11 +130,23 @@ protected:
   void* ConvertFromKtStringOld(KtString* text, char id, unsigned long count);
 
 private:
-  KtTypeDescriptor& Row(char id) const;
+  KtTypeDescriptor& Row(char id) const { return *table_[static_cast<unsigned char>(id)]; }
 
-  KtTypeDescriptor* const* table_;
+  KtTypeDescriptor* const* table_;  // 256 rows
   unsigned short formatLevel_;
 };
+
+// In line: an index compares millions of times, and the row's own call is the only one needed.
+KTTM_INLINE long KtTypeMgr::Cmp(char id, void* a, void* b, unsigned short options, unsigned long count,
+                                unsigned char format) const {
+  int status;
+  return Row(id).Compare(format, 0, a, 0, b, options, count, status);
+}
+
+KTTM_INLINE long KtTypeMgr::Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                                unsigned short options, unsigned long count, unsigned char format, int& status) const {
+  return Row(id).Compare(format, lengthA, a, lengthB, b, options, count, status);
+}
 
 // --- module ---------------------------------------------------------------------------------------------------------
 // Attaches the library (non-zero): ktin first, then a default manager of version 5, none when memory is exhausted; one

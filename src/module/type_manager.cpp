@@ -1,7 +1,6 @@
 // KtTypeMgr: every operation is the row's, with the arguments in the row's order.
 #include "kttypmgr.h"
 
-#include "module/manager_row.h"
 #include "table/type_table.h"
 
 #include <cstring>
@@ -17,6 +16,13 @@ Field exchange(Field& field, Field value) {
   if (value != nullptr) field = value;
   return old;
 }
+
+// Functions that the header has in line are here, too.
+using CompareRun = long (KtTypeMgr::*)(char, void*, void*, unsigned short, unsigned long, unsigned char) const;
+using CompareWithin = long (KtTypeMgr::*)(char, unsigned long, void*, unsigned long, void*, unsigned short,
+                                          unsigned long, unsigned char, int&) const;
+[[gnu::used]] const CompareRun kCompareRun = &KtTypeMgr::Cmp;
+[[gnu::used]] const CompareWithin kCompareWithin = &KtTypeMgr::Cmp;
 
 }  // namespace
 
@@ -101,17 +107,6 @@ unsigned long KtTypeMgr::Translate(char id, void* dst, unsigned char dstFormat, 
 }
 
 // --- compare, bounds, hash ------------------------------------------------------------------------------------------
-
-long KtTypeMgr::Cmp(char id, void* a, void* b, unsigned short options, unsigned long count,
-                    unsigned char format) const {
-  int status;
-  return Row(id).Compare(format, 0, a, 0, b, options, count, status);
-}
-
-long KtTypeMgr::Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short options,
-                    unsigned long count, unsigned char format, int& status) const {
-  return Row(id).Compare(format, lengthA, a, lengthB, b, options, count, status);
-}
 
 float KtTypeMgr::EvalAndBound(char id, KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
                               unsigned long count, KtIdxBounds* result, KtEvalData*) const {

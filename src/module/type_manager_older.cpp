@@ -1,7 +1,6 @@
 // KtTypeMgr: the older conversions, in which the texts of all values are one string.
 #include "kttypmgr.h"
 
-#include "module/manager_row.h"
 #include "table/type_table.h"
 #include "text/string_block.h"
 #include "text/text_units.h"

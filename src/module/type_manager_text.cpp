@@ -1,7 +1,6 @@
 // KtTypeMgr: the operations that travel through text, and the null fallbacks that use it.
 #include "kttypmgr.h"
 
-#include "module/manager_row.h"
 #include "ops/scalar_text.h"
 #include "table/type_table.h"
 #include "text/allocation_watch.h"

@@ -103,11 +103,12 @@ inline std::uint32_t xorIeeeRun(const unsigned char* p, unsigned long count) {
 }
 
 constexpr unsigned long kBlockBytes = 256;
+constexpr unsigned long kSmallBlockBytes = 64;
 
+template <unsigned long kBytes>
 inline bool equalBlock(const unsigned char* a, const unsigned char* b) {
   std::uint64_t difference = 0;
-  for (unsigned long i = 0; i < kBlockBytes; i += 8)
-    difference |= read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
+  for (unsigned long i = 0; i < kBytes; i += 8) difference |= read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
   return difference == 0;
 }
 
@@ -115,7 +116,8 @@ inline bool equalBlock(const unsigned char* a, const unsigned char* b) {
 // between compilers.
 KT_CLONES unsigned long equalBlocksLoop(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
   unsigned long i = 0;
-  while (i + kBlockBytes <= bytes && equalBlock(a + i, b + i)) i += kBlockBytes;
+  while (i + kBlockBytes <= bytes && equalBlock<kBlockBytes>(a + i, b + i)) i += kBlockBytes;
+  while (i + kSmallBlockBytes <= bytes && equalBlock<kSmallBlockBytes>(a + i, b + i)) i += kSmallBlockBytes;
   return i;
 }
 
@@ -134,7 +136,7 @@ KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, 
 }  // namespace
 
 unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
-  unsigned long i = bytes < kBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
+  unsigned long i = bytes < kSmallBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
   for (; i + 8 <= bytes; i += 8) {
     const std::uint64_t difference = read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
     if (difference != 0) return i + firstDifferentByte(difference);

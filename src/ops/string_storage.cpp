@@ -4,6 +4,7 @@
 #include "kttypops.h"
 #include "ops/string_record.h"
 #include "text/copy_text.h"
+#include "text/string_block.h"
 #include "values/string_edit.h"
 #include "values/string_take.h"
 
@@ -18,6 +19,12 @@ constexpr unsigned long kLongestTaken = 65532;   // bytes that takeText takes
 
 const KtString* stringsAt(const void* values) { return static_cast<const KtString*>(values); }
 
+constexpr unsigned long kWholeMove = 16;  // bytes; the block behind a string is never smaller
+static_assert(kWholeMove <= kSmallestBlock);
+constexpr unsigned long kRecordsOfMove = (kWholeMove + kEmptyRecord - 1) / kEmptyRecord;  // that take as much, at least
+
+// kHasRoom: kRecordsOfMove records follow, so that what a short text's one move writes too much will be written over.
+template <bool kHasRoom>
 unsigned char* storeOne(unsigned char* out, const KtString& s, unsigned char code) {
   const unsigned long bytes = storedTextBytes(s);
   if (s.bufferSize > kLongestStored) checkedSize(kLongestLength + 1, kOverflowLine);
@@ -26,6 +33,8 @@ unsigned char* storeOne(unsigned char* out, const KtString& s, unsigned char cod
   out[kLanguageAt] = s.language;
   if (s.CharSize() == 2 && unitsAreSwapped(code)) {
     ShortStore(out + kTextAt, s.buffer, unitOrder(code), bytes / 2);
+  } else if (kHasRoom && bytes - 1 < kWholeMove) {
+    std::memcpy(out + kTextAt, s.buffer, kWholeMove);
   } else {
     copyText(out + kTextAt, s.buffer, bytes);
   }
@@ -163,7 +172,9 @@ unsigned long StringStore(void* dst, const void* src, unsigned char format, unsi
   const KtString* strings = kt::stringsAt(src);
   const unsigned char code = kt::lowCode(format);
   auto* out = static_cast<unsigned char*>(dst);
-  for (unsigned long i = 0; i < count; ++i) out = kt::storeOne(out, strings[i], code);
+  unsigned long i = 0;
+  for (; i + kt::kRecordsOfMove < count; ++i) out = kt::storeOne<true>(out, strings[i], code);
+  for (; i < count; ++i) out = kt::storeOne<false>(out, strings[i], code);
   return static_cast<unsigned long>(out - static_cast<unsigned char*>(dst)) & kt::kResultMask;
 }
 

@@ -2,9 +2,9 @@
 """check_exports.py [--update] library...: compares what shared libraries export with the committed lists.
 
 exports/<library>.txt beside this script has one demangled name a line, alike on every platform: names with a type of
-platform-dependent width (std::size_t, std::int64_t) would not be. Inline functions do not count: whether they are
-exported is the compiler's choice. ELF marks them as weak; a DLL does not tell them from others, so that there members
-of listed classes may come in addition.
+platform-dependent width (std::size_t, std::int64_t) would not be. Inline functions need not be listed, as whether they
+are exported is the compiler's choice; those that are listed must be there. ELF marks them as weak; a DLL does not tell
+them from others, so that there members of listed classes may come in addition.
 
 --update writes the lists from ELF libraries. A name that disappears breaks programs: it takes a new major version.
 """
@@ -28,11 +28,11 @@ def output(*command, text=None):
     return subprocess.run(command, input=text, capture_output=True, check=True, text=True).stdout
 
 
-def elf_symbols(library):
+def elf_symbols(library, bindings):
     """readelf, unlike nm, reads libraries of every architecture."""
     for line in output("readelf", "--dyn-syms", "--wide", library).splitlines():
         fields = line.split()  # number, value, size, type, binding, visibility, section, name
-        if len(fields) >= 8 and fields[4] == "GLOBAL" and fields[6] != "UND":
+        if len(fields) >= 8 and fields[4] in bindings and fields[6] != "UND":
             yield fields[7].split("@")[0]
 
 
@@ -64,11 +64,13 @@ def compare(path, objdump):
     """The guilty names, each with what is wrong with it."""
     library = path.name.split(".")[0].removeprefix("lib")
     listed = set((LISTS / f"{library}.txt").read_text().splitlines())
-    found = demangled(dll_symbols(path, objdump) if is_dll(path) else elf_symbols(path))
-    extra = found - listed
     if is_dll(path):
+        found = demangled(dll_symbols(path, objdump))
         classes = {class_of(name) for name in listed} - {None}
-        extra = {name for name in extra if class_of(name) not in classes}
+        extra = {name for name in found - listed if class_of(name) not in classes}
+    else:
+        found = demangled(elf_symbols(path, {"GLOBAL", "WEAK"}))
+        extra = demangled(elf_symbols(path, {"GLOBAL"})) - listed
     problems = [f"{path.name}: not exported any more: {name}" for name in sorted(listed - found)]
     return problems + [f"{path.name}: exported, but not in the list: {name}" for name in sorted(extra)]
 
@@ -76,7 +78,10 @@ def compare(path, objdump):
 def update(path):
     library = path.name.split(".")[0].removeprefix("lib")
     LISTS.mkdir(exist_ok=True)
-    (LISTS / f"{library}.txt").write_text("\n".join(sorted(demangled(elf_symbols(path)))) + "\n")
+    file = LISTS / f"{library}.txt"
+    listed = set(file.read_text().splitlines()) if file.exists() else set()
+    kept = listed & demangled(elf_symbols(path, {"WEAK"}))
+    file.write_text("\n".join(sorted(kept | demangled(elf_symbols(path, {"GLOBAL"})))) + "\n")
 
 
 def main():
