@@ -1,4 +1,4 @@
-// lmdb_tree.h - an LMDB tree of keys in a file of its own, and look-ups in it.
+// lmdb_tree.h - an index in a file of its own: an LMDB tree of keys, each with an object's id, and look-ups in it.
 #ifndef LMDB_TREE_H
 #define LMDB_TREE_H
 
@@ -7,6 +7,7 @@
 #include <kttm.h>
 #include <lmdb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -39,7 +40,7 @@ public:
     require(mdb_txn_begin(environment_, nullptr, 0, &transaction));
     require(mdb_dbi_open(transaction, nullptr, 0, &tree_));
     useComparator(transaction, compare);
-    for (const std::string& key : keys_) put(transaction, key);
+    for (std::size_t i = 0; i < keys_.size(); ++i) put(transaction, keys_[i], i);
     require(mdb_txn_commit(transaction));
     require(mdb_txn_begin(environment_, nullptr, MDB_RDONLY, &reader_));
     useComparator(reader_, compare);
@@ -79,9 +80,9 @@ private:
   void useComparator(MDB_txn* transaction, MDB_cmp_func* compare) const {
     if (compare != nullptr) require(mdb_set_compare(transaction, tree_, compare));
   }
-  void put(MDB_txn* transaction, const std::string& key) {
+  void put(MDB_txn* transaction, const std::string& key, std::uint64_t objectId) {
     MDB_val name = valueOf(key);
-    MDB_val data = valueOf(key);
+    MDB_val data = {sizeof objectId, &objectId};
     const int result = mdb_put(transaction, tree_, &name, &data, MDB_NOOVERWRITE);
     if (result != MDB_KEYEXIST) require(result);
   }

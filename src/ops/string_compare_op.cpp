@@ -195,8 +195,18 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
   const std::uint64_t headB = loadLowFirst(recordB + kCodeSetAt);
   if (((headA ^ headB) & kCodes) != 0)
     return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
-  const ByteWeights* table = usualByteWeights(headA & kCodes);
-  if (table == nullptr) return compareWideHeads<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const auto codes = static_cast<unsigned>(headA & kCodes);
+  const ByteWeights* table = usualByteWeights(codes);
+  if (table == nullptr) {
+    const WideWeights* wide = usualWideWeights(codes);
+    if (wide != nullptr && lowCode(format) != kBigEndian) {
+      if (const std::int32_t difference = differenceInHeads(headA >> 16, headB >> 16, *wide)) {
+        status = 0;
+        return signOf(difference);
+      }
+    }
+    return compareWideHeads<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  }
   const std::int32_t difference = differenceInHeads(headA >> 16, headB >> 16, *table);
   if (difference == 0) return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
   status = 0;

@@ -33,14 +33,17 @@ inline Weight farPrimary(const WideWeights& table, unsigned unit) {
 }
 
 // Primary weights of single characters, with the marks of those that do not decide.
-[[gnu::always_inline]] inline Weight primaryAt(const ByteWeights& table, const char* text, unsigned long index) {
-  return table.primary[static_cast<unsigned char>(text[index])];
-}
-[[gnu::always_inline]] inline Weight primaryAt(const WideWeights& table, const char* text, unsigned long index) {
-  const unsigned unit = loadUnit(text, index, 0);
+[[gnu::always_inline]] inline Weight primaryOf(const ByteWeights& table, unsigned byte) { return table.primary[byte]; }
+[[gnu::always_inline]] inline Weight primaryOf(const WideWeights& table, unsigned unit) {
   if (unit < kNearUnits) [[likely]]
     return table.primary[unit];
   return farPrimary(table, unit);
+}
+[[gnu::always_inline]] inline Weight primaryAt(const ByteWeights& table, const char* text, unsigned long index) {
+  return primaryOf(table, static_cast<unsigned char>(text[index]));
+}
+[[gnu::always_inline]] inline Weight primaryAt(const WideWeights& table, const char* text, unsigned long index) {
+  return primaryOf(table, loadUnit(text, index, 0));
 }
 
 // Whether two texts go on with the same character.
@@ -86,12 +89,15 @@ template <unsigned long kCharSize>
 long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
 long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp);
 
-// Of texts of bytes that lie in words, the first one lowest, and have no more than six: what lies above ends them.
-[[gnu::always_inline]] inline std::int32_t differenceInHeads(std::uint64_t a, std::uint64_t b,
-                                                             const ByteWeights& table) {
-  const std::uint64_t zeros = (a - 0x0101010101010101u) & ~a & 0x8080808080808080u;  // the lowest one is right
-  const int bit = std::countr_zero((a ^ b) | zeros) & 56;
-  return decidedDifference(table.primary[a >> bit & 255], table.primary[b >> bit & 255]);
+// Of texts that lie in words, the first character lowest, and do not fill them: what lies above ends them.
+template <class Table>
+[[gnu::always_inline]] inline std::int32_t differenceInHeads(std::uint64_t a, std::uint64_t b, const Table& table) {
+  constexpr unsigned kBits = 8 * static_cast<unsigned>(Table::kCharSize);
+  constexpr std::uint64_t kCharacter = (1u << kBits) - 1, kOnes = ~std::uint64_t{0} / kCharacter;
+  const std::uint64_t zeros = (a - kOnes) & ~a & kOnes << (kBits - 1);  // the lowest one is right
+  const unsigned bit = static_cast<unsigned>(std::countr_zero((a ^ b) | zeros)) & (64 - kBits);
+  return decidedDifference(primaryOf(table, static_cast<unsigned>(a >> bit & kCharacter)),
+                           primaryOf(table, static_cast<unsigned>(b >> bit & kCharacter)));
 }
 
 // Of texts that have kBytesBefore readable bytes before them and two behind, and no terminator. 0: not decided.
