@@ -219,6 +219,14 @@ bool scanExactly(Scan scan, const std::string& text, const std::string& format, 
   return scan(exact.empty() ? "" : exact.data(), exact.size(), format.c_str(), value);
 }
 
+// The same for short texts, with digits behind them as far as may be read; longer ones are scanned like all others.
+bool scanPadded(const std::string& text, const std::string& format, std::uint32_t& value) {
+  if (text.empty() || text.size() > 24) return scanExactly(kt::scanInteger, text, format, value);
+  std::vector<char> exact(std::max<std::size_t>(text.size(), 19), '7');
+  std::copy(text.begin(), text.end(), exact.begin());
+  return kt::scanPaddedInteger(exact.data(), text.size(), format.c_str(), value);
+}
+
 std::vector<std::string> split(const std::string& list) {
   std::vector<std::string> parts(1);
   for (const char c : list) {
@@ -240,7 +248,8 @@ TEST(NumberFormat, integers_scan_as_sscanf_scans_them_and_saturate_at_32_bits) {
       "-2147483648|-2147483649|4294967295|4294967296|-4294967295|-4294967297|99999999999999999|-99999999999999999|"
       "37777777777|"
       "40000000000|0xFFFFFFFF|0x100000000|a|%5|65536|70000|-40000|300|0000000000000000000000000000000000009|1.5|"
-      "12345678901");
+      "12345678901|12345678|-123456789|1234567890123456|-12345678901234567|0x12345678|0x123456789|+0xfedcba9876543210|"
+      "123456789x|12345678 |1234567g");
   for (const char* width : {"", "1", "2", "3", "5", "12", "0"}) {
     for (const char conversion : {'d', 'i', 'u', 'o', 'x', 'X'}) {
       for (const std::string& text : texts) {
@@ -264,6 +273,9 @@ TEST(NumberFormat, integers_scan_as_sscanf_scans_them_and_saturate_at_32_bits) {
                               : narrow << bits >> bits;
           }
           EXPECT_EQ(value, stored) << format << " '" << text << "'";
+          std::uint32_t padded = 77;
+          ASSERT_EQ(scanPadded(text, format, padded), expected) << format << " '" << text << "'";
+          EXPECT_EQ(padded, stored) << format << " '" << text << "'";
         }
       }
     }

@@ -36,11 +36,20 @@ bool scanValue(void* value, const KtString& in, Number number, Scan scan) {
   return true;
 }
 
+[[gnu::noinline]] bool scanAnyInteger(const KtString& in, const char* format, std::uint32_t& number) {
+  const NarrowText text(in);
+  return scanInteger(text.begin(), text.length(), format, number);
+}
+
 template <class Stored>
 bool scanStoredInteger(void* value, const KtString& in, const char* format) {
-  return scanValue<Stored>(value, in, std::uint32_t{0}, [format](const char* text, unsigned long length, auto& number) {
-    return scanInteger(text, length, format, number);
-  });
+  std::uint32_t number;
+  const bool matches = isShortText(in) ? scanPaddedInteger(in.buffer, in.bufferSize - 1u, format, number)
+                                       : scanAnyInteger(in, format, number);
+  if (!matches) return false;
+  const auto stored = static_cast<Stored>(number);
+  std::memcpy(value, &stored, sizeof stored);
+  return true;
 }
 
 bool scanCharacter(unsigned char& value, const char* text, unsigned long length, const char* format) {

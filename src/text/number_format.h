@@ -40,6 +40,8 @@ void printDouble(NumberText& out, const char* format, double value);
 // Base 10 for %d and %u, 8 for %o, 16 for %x (0x allowed), by prefix for %i, one byte for %c. Numbers outside 32 bits
 // become the nearest 32-bit number; %u %o %x take '-' and negate modulo 2^32. The caller keeps the bits it stores.
 bool scanInteger(const char* text, unsigned long length, const char* format, std::uint32_t& value);
+// The same, of one to 24 characters the first 19 of which are readable, though what lies behind the end has no meaning.
+bool scanPaddedInteger(const char* text, unsigned long length, const char* format, std::uint32_t& value);
 // Decimal and hexadecimal numbers, inf, infinity and nan in any case. Too large a number becomes infinite.
 bool scanFloat(const char* text, unsigned long length, const char* format, float& value);
 // Takes the "ldex" form as well; without an integer conversion in it the exponent is 0.

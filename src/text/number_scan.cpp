@@ -139,6 +139,24 @@ bool readInteger(Cursor& in, const NumberSpec& spec, std::uint32_t& value) {
   return true;
 }
 
+// A number alone, without blanks, by "%d", "%u" or "%x", with or without an l. False, and nothing is set, for all else.
+bool readPaddedInteger(const char* at, const char* end, const char* format, std::uint32_t& value) {
+  if (format[0] != '%') return false;
+  const char conversion = format[format[1] == 'l' ? 2 : 1];
+  if (conversion == '\0' || format[format[1] == 'l' ? 3 : 2] != '\0') return false;
+  const bool isHex = conversion == 'x';
+  if (!isHex && conversion != 'd' && conversion != 'u') return false;
+  const bool negative = *at == '-';
+  if (negative || *at == '+') ++at;
+  if (isHex && at[0] == '0' && lowerCase(at[1]) == 'x') at += 2;
+  const auto count = static_cast<unsigned long>(end - at);
+  if (count - 1 > 15) return false;
+  const ReadNumber number = isHex ? readPaddedDigits<16>(at, count) : readPaddedDigits<10>(at, count);
+  if (!number.isNumber) return false;
+  value = conversion == 'd' ? saturateSigned(negative, number.value) : saturateUnsigned(negative, number.value);
+  return true;
+}
+
 // ---- reals --------------------------------------------------------------------------------------------------------
 
 bool takeWord(Cursor& in, const char* word) {
@@ -357,6 +375,10 @@ bool scanInteger(const char* text, unsigned long length, const char* format, std
     return done ? Step::kFinished : Step::kFailed;
   });
   return done;
+}
+
+bool scanPaddedInteger(const char* text, unsigned long length, const char* format, std::uint32_t& value) {
+  return readPaddedInteger(text, text + length, format, value) || scanInteger(text, length, format, value);
 }
 
 bool scanFloat(const char* text, unsigned long length, const char* format, float& value) {

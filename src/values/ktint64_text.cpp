@@ -181,15 +181,6 @@ bool scanText(const char* at, const char* end, const char* format, KtInt64& numb
   return true;
 }
 
-constexpr unsigned kLongestShort = 25;
-static_assert(3 + 16 <= kt::kSmallestBlock && kLongestShort < kt::kSmallestBlock);
-
-// Something in 8-bit characters, in the smallest of blocks, where sixteen bytes can be read behind a sign and 0x.
-inline bool isShortText(const KtString& in) {
-  if (in.CharSize() != 1 || in.bufferSize < 2 || in.bufferSize > kLongestShort) return false;
-  return !kt::mayHoldZero(in.buffer, in.bufferSize);
-}
-
 inline kt::ReadNumber readShort(const char* begin, unsigned long length, unsigned base) {
   switch (base) {
     case 8: return kt::readPaddedDigits<8>(begin, length);
@@ -224,7 +215,7 @@ void KtInt64::ScanFromKtString(const KtString& in, const char* format) { kt::sca
 bool kt::scanInt64(KtInt64& number, const KtString& in, const char* format) {
   if (format == nullptr) format = kDefaultFormat;
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
-  if (!isNumberOnly || !isShortText(in)) return scanAnyText(number, in, format);
+  if (!isNumberOnly || !kt::isShortText(in)) return scanAnyText(number, in, format);
   number = scanShortText(in, format[1]);
   return true;
 }

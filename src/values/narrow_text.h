@@ -11,6 +11,16 @@
 
 namespace kt {
 
+constexpr unsigned kLongestShort = 25;  // size of a short text, terminator included
+constexpr unsigned kReadable = 19;      // bytes that can be read of it, if without meaning
+static_assert(kReadable <= kSmallestBlock && kLongestShort < kSmallestBlock);
+
+// Whether a string holds something in 8-bit characters, in the smallest of blocks.
+inline bool isShortText(const KtString& in) {
+  if (in.CharSize() != 1 || in.bufferSize < 2 || in.bufferSize > kLongestShort) return false;
+  return !mayHoldZero(in.buffer, in.bufferSize);
+}
+
 // What a scanner found in a text. Without memory the value stays as it was.
 enum class Found { kFields, kNull, kNoMemory };
 
