@@ -2,11 +2,12 @@
 """bench_table.py results.json [goals.csv]: the ratio of speed kttm : peer for every job, size and peer.
 
 Benchmarks are named job/contestant[/size], where the job may itself contain slashes when a size follows; the contestant
-"kttm" stands against every other contestant of its job and size. The ratio is the median time of the peer divided by
-the median time of kttm, in time of the processor, which other work on the machine disturbs less than the clock's.
-goals.csv has the columns job,peer,size,goal; an empty size stands for every size. The peer "limit" stands for a time: its
-goal is the most ns that one operation of kttm may take. Exit status 1 when --check is given
-and a goal is missed.
+"kttm" stands against every other contestant of its job and size; a star marks the best of them. The ratio is the median
+time of the peer divided by the median time of kttm, in time of the processor, which other work on the machine disturbs
+less than the clock's. The column "limit" has the time of a contestant that only moves or compares the bytes, which nothing
+can beat by much. goals.csv has the columns job,peer,size,goal; an empty size stands for every size. The peer "limit"
+stands for a time: its goal is the most ns that one operation of kttm may take. Exit status 1 when a job reported an
+error, or when --check is given and a goal is missed.
 """
 
 import argparse
@@ -18,6 +19,7 @@ import statistics
 import sys
 
 LIMIT = "limit"
+FLOORS = ("memcpy", "memcmp")
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -62,20 +64,24 @@ def read_goals(path):
 
 
 def table(medians, goals):
-    """One row for each job, size and peer: (job, size, peer, kttm ns, peer ns, ratio, goal, verdict)."""
+    """One row for each job, size and peer: (job, size, peer, kttm ns, peer ns, limit ns, ratio, goal, verdict)."""
     rows = []
     for (job, size), group in sorted(medians.items(), key=lambda item: (item[0][0], int(item[0][1] or 0))):
         if "kttm" not in group:
             continue
-        for peer in sorted(set(group) - {"kttm", LIMIT}):
+        peers = sorted(set(group) - {"kttm", LIMIT})
+        best = min(peers, key=lambda peer: group[peer], default=None)
+        floor = min((group[peer] for peer in peers if peer in FLOORS), default=None)
+        for peer in peers:
             goal = goals.get((job, peer, size), goals.get((job, peer, "")))
             ratio = group[peer] / group["kttm"]
             verdict = "" if goal is None else "ok" if ratio >= goal else "short"
-            rows.append((job, size, peer, group["kttm"], group[peer], ratio, goal, verdict))
+            shown = peer + " *" if peer == best and len(peers) > 1 else peer
+            rows.append((job, size, shown, group["kttm"], group[peer], floor, ratio, goal, verdict))
         limit = goals.get((job, LIMIT, size), goals.get((job, LIMIT, "")))
         if limit is not None and LIMIT in group:
             ratio = limit / group[LIMIT]
-            rows.append((job, size, LIMIT, group[LIMIT], limit, ratio, 1, "ok" if ratio >= 1 else "short"))
+            rows.append((job, size, LIMIT, group[LIMIT], limit, None, ratio, 1, "ok" if ratio >= 1 else "short"))
     return rows
 
 
@@ -91,12 +97,13 @@ def main():
     rows = table(medians, goals)
 
     width = max([len(row[0]) for row in rows] + [3])
-    print(f"{'job':{width}} {'size':>8} {'peer':16} {'kttm ns':>12} {'peer ns':>12} {'ratio':>7} {'goal':>6}")
-    for job, size, peer, ours, theirs, ratio, goal, verdict in rows:
+    print(f"{'job':{width}} {'size':>8} {'kttm ns':>12} {'peer':16} {'peer ns':>12} {'limit ns':>12} {'ratio':>7} {'goal':>6}")
+    for job, size, peer, ours, theirs, floor, ratio, goal, verdict in rows:
+        least = "" if floor is None else f"{floor:.1f}"
         shown = "" if goal is None else f"{goal:g}"
-        print(f"{job:{width}} {size:>8} {peer:16} {ours:12.1f} {theirs:12.1f} {ratio:7.2f} {shown:>6} {verdict}".rstrip())
+        print(f"{job:{width}} {size:>8} {ours:12.1f} {peer:16} {theirs:12.1f} {least:>12} {ratio:7.2f} {shown:>6} {verdict}".rstrip())
     judged = [row[-1] for row in rows if row[-1]]
-    measured = {(row[0], row[2]) for row in rows}
+    measured = {(row[0], row[2].removesuffix(" *")) for row in rows}
     absent = sorted({(job, peer) for job, peer, _ in goals} - measured)
     print(f"\n{judged.count('ok')} of {len(judged)} goals reached")
     for job, peer in [] if args.partial else absent:
