@@ -28,7 +28,7 @@ packages_for() {
     asan | tsan) echo "$base g++ libgtest-dev liblmdb-dev" ;;
     coverage) echo "$base g++ gcovr libgtest-dev liblmdb-dev" ;;
     clang) echo "$base g++ clang libgtest-dev liblmdb-dev pkg-config" ;;
-    fuzz) echo "$base g++ clang libclang-rt-14-dev libgtest-dev liblmdb-dev" ;;
+    fuzz) echo "$base g++ clang libclang-rt-dev libgtest-dev liblmdb-dev" ;;
     bench) echo "$base g++ libbenchmark-dev libicu-dev libfmt-dev liblmdb-dev libxxhash-dev libhowardhinnant-date-dev libsqlite3-dev" ;;
     x86) echo "$base g++-12 g++-12-multilib googletest" ;;
     s390x) echo "$base g++-s390x-linux-gnu qemu-user googletest" ;;
