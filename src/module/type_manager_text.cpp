@@ -3,7 +3,7 @@
 
 #include "ops/scalar_text.h"
 #include "table/type_table.h"
-#include "text/allocation_watch.h"
+#include "values/append_whole.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
@@ -26,8 +26,7 @@ KtTypeDescriptor& stringRow(const kt::TypeTable table) { return *table[KT_ID_KtS
 // part for want of memory is no list: out keeps what it had.
 [[gnu::noinline]] KtString& appendList(const KtTypeMgr& manager, char id, KtPrintToKtStringFunc print, KtString& out,
                                        void* values, const char* format, unsigned long count) {
-  const kt::AllocationWatch watch;
-  const unsigned short before = out.Len();
+  const kt::AppendWhole whole(out);
   if (kt::liesIn(out, format) || kt::liesIn(out, static_cast<const char*>(values))) {
     KtString list(out.codeSet, out.language);
     printList(manager, id, print, list, values, format, count);
@@ -35,7 +34,6 @@ KtTypeDescriptor& stringRow(const kt::TypeTable table) { return *table[KT_ID_KtS
   } else {
     printList(manager, id, print, out, values, format, count);
   }
-  if (watch.hasFailed()) out.Cut(before, -1);
   return out;
 }
 

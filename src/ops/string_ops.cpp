@@ -3,6 +3,7 @@
 
 #include "ops/string_array.h"
 #include "text/allocation_watch.h"
+#include "values/append_whole.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
 
@@ -46,20 +47,19 @@ void printText(KtString& out, const KtString& value, const char* format) {
   appendFormat(out, from, from + std::strlen(from));
 }
 
+[[gnu::noinline]] KtString& printWhole(KtString& out, const KtString& value, const char* format) {
+  const AppendWhole whole(out);
+  const LastingFormat lasting(out, format);
+  printText(out, value, lasting.text());
+  return out;
+}
+
 }  // namespace
 
 KtString& printString(KtString& out, const KtString* value, const char* format) {
   if (value == nullptr) return out;
   if (format == nullptr || std::strcmp(format, "%s") == 0) return out += *value;
-  const AllocationWatch watch;
-  const unsigned short before = out.Len();
-  if (!liesIn(out, format)) {
-    printText(out, *value, format);
-  } else {
-    printText(out, *value, KtString(format).StrGet());  // what is appended would move the format
-  }
-  if (watch.hasFailed()) out.Cut(before, -1);  // a part is none
-  return out;
+  return printWhole(out, *value, format);
 }
 
 template <class Kind>

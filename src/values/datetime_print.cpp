@@ -2,6 +2,7 @@
 #include "text/string_block.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
+#include "values/append_whole.h"
 #include "values/datetime_names.h"
 #include "values/datetime_text.h"
 #include "values/null_text.h"
@@ -302,8 +303,8 @@ bool isNull(const void* value) {
 
 // The format lies in the text that grows.
 [[gnu::noinline]] KtString& printByOwnText(KtString& out, const void* value, const char* format) {
-  const KtString copy(format);
-  return printDateTime(out, value, copy.StrGet());
+  const LastingFormat lasting(out, format);
+  return printDateTime(out, value, lasting.text());
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 #include "ktint64.h"
 
 #include "ktstring.h"
-#include "text/allocation_watch.h"
 #include "text/integer_digits.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
+#include "values/append_whole.h"
 #include "values/int64_text.h"
 #include "values/narrow_text.h"
 #include "values/string_edit.h"
@@ -105,15 +105,9 @@ void appendText(KtString& out, const KtInt64& number, const char* format) {
 }
 
 [[gnu::noinline]] KtString& printText(KtString& out, const KtInt64& number, const char* format) {
-  const kt::AllocationWatch watch;
-  const unsigned short before = out.Len();
-  if (!kt::liesIn(out, format)) {
-    appendText(out, number, format);
-  } else {
-    const KtString copy(format);  // what is printed would overwrite the format
-    appendText(out, number, copy.StrGet());
-  }
-  if (watch.hasFailed()) out.Cut(before, -1);  // a part is none
+  const kt::AppendWhole whole(out);
+  const kt::LastingFormat lasting(out, format);
+  appendText(out, number, lasting.text());
   return out;
 }
 
