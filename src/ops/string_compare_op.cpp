@@ -24,12 +24,16 @@ void checkSizes(const TextRef& a, const TextRef& b) {
   if (size2 != 1 && size2 != 2) KATO_assert("(CSSize2 == 1) || (CSSize2 == 2)", kSourceFile, kSecondSizeLine);
 }
 
-long compareSized(const TextRef& a, const TextRef& b, unsigned cmpOp) {
-  checkSizes(a, b);
-  return compareTexts(a, b, cmpOp, -1);
-}
+struct CompareSized {
+  unsigned cmpOp;
 
-// Both runs step for step. compareOne(x, y, status) compares a pair and may set the status, which ends the walk.
+  long operator()(const TextRef& a, const TextRef& b) const {
+    checkSizes(a, b);
+    return compareTexts(a, b, cmpOp, -1);
+  }
+};
+
+// Both runs step for step. compareOne(x, y) compares a pair and may set the status, which ends the walk.
 template <class Run, class CompareOne>
 long compareStringRuns(Run a, Run b, unsigned long count, int& status, CompareOne compareOne) {
   typename Run::Item x, y;
@@ -45,33 +49,81 @@ long compareStringRuns(Run a, Run b, unsigned long count, int& status, CompareOn
   return 0;
 }
 
+// What has a quick way in every form: one pair, under an operator of which the first differing letters decide.
+constexpr bool isOnePlain(unsigned cmpOp, unsigned long count) { return count == 1 && isPlainOperator(cmpOp); }
+
+// Records that are seen as they lie.
+constexpr bool isPlainRecordForm(unsigned char format) {
+  return (format & (kMemoryForm | kIndexKeyForm | kCodeSetBits)) == 0;
+}
+
+// Whether runs of these lengths (0: not known) can have a string of the least size.
+constexpr bool holdBoth(unsigned long lengthA, unsigned long lengthB, unsigned long least) {
+  return knownLength(lengthA) >= least && knownLength(lengthB) >= least;
+}
+
+// --- index keys -----------------------------------------------------------------------------------------------------
+
+// What a cut off part decides is not known.
+long resultOf(const KeyOrder& order, int& status) {
+  if (!order.isDecided) status = KtERR_OVERRUN;
+  return order.result;
+}
+
 // A null second key is before everything; a null first one too, where no wildcard can match it.
 template <class Kind>
 long compareKeyPair(const IndexKey& a, const IndexKey& b, unsigned cmpOp, int& status) {
   if (Kind::kHasNull && b.isNull()) return a.isNull() ? 0 : 1;
   if (Kind::kHasNull && a.isNull() && (cmpOp & (kNoWildcards | kBinaryOrder)) != 0) return -1;
-  const KeyOrder order = compareKeys(a, b, cmpOp);
-  if (!order.isDecided) status = KtERR_OVERRUN;
-  return order.result;
+  return resultOf(compareKeys(a, b, cmpOp), status);
 }
 
-constexpr bool isKeyForm(unsigned char format) { return !isMemoryForm(format) && (format & kIndexKeyForm) != 0; }
+template <class Kind>
+[[gnu::noinline]] long compareKeyRuns(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB,
+                                      void* b, unsigned cmpOp, unsigned long count, int& status) {
+  return compareStringRuns(
+      KeyRun(a, lengthA, format), KeyRun(b, lengthB, format), count, status,
+      [&](const IndexKey& x, const IndexKey& y) { return compareKeyPair<Kind>(x, y, cmpOp, status); });
+}
+
+// One key against one, as an index asks for, is mostly decided by letters.
+template <class Kind>
+long compareKeyForms(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                     unsigned cmpOp, unsigned long count, int& status) {
+  if (isOnePlain(cmpOp, count))
+    if (const auto order = orderByLetters(a, lengthA, b, lengthB, format, cmpOp)) return resultOf(*order, status);
+  return compareKeyRuns<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
+}
+
+// --- strings in memory, under their own code sets -------------------------------------------------------------------
 
 template <class Kind>
-[[gnu::noinline]] long compareMany(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
-                                   unsigned cmpOp, unsigned long count, int& status) {
-  status = 0;
-  if (isKeyForm(format)) {
-    return compareStringRuns(
-        KeyRun(a, lengthA, format), KeyRun(b, lengthB, format), count, status,
-        [&](const IndexKey& x, const IndexKey& y) { return compareKeyPair<Kind>(x, y, cmpOp, status); });
+[[gnu::noinline]] long compareMemoryRuns(unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned cmpOp,
+                                         unsigned long count, int& status) {
+  return compareStringRuns(MemoryRun<Kind>(a, lengthA), MemoryRun<Kind>(b, lengthB), count, status,
+                           CompareSized{cmpOp});
+}
+
+template <class Kind>
+long compareMemoryForms(unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned cmpOp,
+                        unsigned long count, int& status) {
+  if (isOnePlain(cmpOp, count) && holdBoth(lengthA, lengthB, sizeof(KtString))) {
+    const auto& x = *static_cast<const KtString*>(a);
+    const auto& y = *static_cast<const KtString*>(b);
+    if (const std::int32_t difference = stringDifference(x, y)) return signOf(difference);
+    long result;
+    if (compareAlike(x, y, cmpOp, result)) return signOf(result);
   }
-  const auto compareOne = [cmpOp](const TextRef& x, const TextRef& y) { return compareSized(x, y, cmpOp); };
-  if (isMemoryForm(format)) {
-    return compareStringRuns(MemoryRun<Kind>(a, lengthA), MemoryRun<Kind>(b, lengthB), count, status, compareOne);
-  }
+  return compareMemoryRuns<Kind>(lengthA, a, lengthB, b, cmpOp, count, status);
+}
+
+// --- records --------------------------------------------------------------------------------------------------------
+
+template <class Kind>
+[[gnu::noinline]] long compareRecordRuns(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB,
+                                         void* b, unsigned cmpOp, unsigned long count, int& status) {
   return compareStringRuns(RecordRun<Kind>(a, lengthA, format), RecordRun<Kind>(b, lengthB, format), count, status,
-                           compareOne);
+                           CompareSized{cmpOp});
 }
 
 bool holdsCurrent(const Record& record, unsigned long length) {
@@ -90,10 +142,19 @@ std::int32_t recordDifference(const Record& a, const Record& b, unsigned char fo
   return differenceInRecords<2>(a.text(), b.text(), bytesA / 2, bytesB / 2, *table);
 }
 
-constexpr unsigned char kOtherForms = kMemoryForm | kIndexKeyForm | kCodeSetBits;
-
-bool holdsTwo(unsigned long lengthA, unsigned long lengthB, unsigned long least) {
-  return knownLength(lengthA) >= least && knownLength(lengthB) >= least;
+template <class Kind>
+long compareRecordForms(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                        unsigned cmpOp, unsigned long count, int& status) {
+  if (isOnePlain(cmpOp, count) && isPlainRecordForm(format) && holdBoth(lengthA, lengthB, kEmptyRecord)) {
+    const Record x = recordAt(a, format);
+    const Record y = recordAt(b, format);
+    if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB)) {
+      // The pair at which every look-up ends.
+      if (x.length == y.length && std::memcmp(x.bytes, y.bytes, x.size()) == 0) return 0;
+      if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
+    }
+  }
+  return compareRecordRuns<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
 }
 
 // Everything but what the first characters of two records decide. Apart and with the same arguments, so that the
@@ -102,30 +163,10 @@ template <class Kind>
 [[gnu::noinline]] long compareInFull(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB,
                                      void* b, unsigned short options, unsigned long count, int& status) {
   const unsigned cmpOp = Kind::cmpOp(options);
-  if (count == 1 && isPlainOperator(cmpOp)) {
-    status = 0;
-    KeyOrder order;
-    if (isKeyForm(format) && decideKeysByLetters(a, lengthA, b, lengthB, format, cmpOp, order)) {
-      if (!order.isDecided) status = KtERR_OVERRUN;
-      return order.result;
-    }
-    if (format == kMemoryForm && holdsTwo(lengthA, lengthB, sizeof(KtString))) {
-      const auto& x = *static_cast<const KtString*>(a);
-      const auto& y = *static_cast<const KtString*>(b);
-      if (const std::int32_t difference = stringDifference(x, y)) return signOf(difference);
-      long result;
-      if (compareAlike(x, y, cmpOp, result)) return signOf(result);
-    } else if ((format & kOtherForms) == 0 && holdsTwo(lengthA, lengthB, kEmptyRecord)) {
-      const Record x = recordAt(a, format);
-      const Record y = recordAt(b, format);
-      if (holdsCurrent(x, lengthA) && holdsCurrent(y, lengthB)) {
-        // The pair at which every look-up ends.
-        if (x.length == y.length && std::memcmp(x.bytes, y.bytes, x.size()) == 0) return 0;
-        if (const std::int32_t difference = recordDifference(x, y, format)) return signOf(difference);
-      }
-    }
-  }
-  return compareMany<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
+  status = 0;
+  if (isMemoryForm(format)) return compareMemoryForms<Kind>(lengthA, a, lengthB, b, cmpOp, count, status);
+  if ((format & kIndexKeyForm) != 0) return compareKeyForms<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
+  return compareRecordForms<Kind>(format, lengthA, a, lengthB, b, cmpOp, count, status);
 }
 
 // --- what a B-tree asks for: one record against one, decided by the first characters ---------------------------------
@@ -188,8 +229,8 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
                     unsigned short options, unsigned long count, int& status) {
   const auto* const recordA = static_cast<const unsigned char*>(a);
   const auto* const recordB = static_cast<const unsigned char*>(b);
-  if (count != 1 || !isPlainOperator(Kind::cmpOp(options)) || (format & kOtherForms) != 0 ||
-      !holdsHead(recordA, lengthA, format) || !holdsHead(recordB, lengthB, format))
+  if (!isOnePlain(Kind::cmpOp(options), count) || !isPlainRecordForm(format) || !holdsHead(recordA, lengthA, format) ||
+      !holdsHead(recordB, lengthB, format))
     return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
   const std::uint64_t headA = loadLowFirst(recordA + kCodeSetAt);
   const std::uint64_t headB = loadLowFirst(recordB + kCodeSetAt);

@@ -7,7 +7,7 @@
 namespace kt {
 namespace {
 
-constexpr long signOf(long value) { return value < 0 ? -1 : value > 0 ? 1 : 0; }
+constexpr int signOf(long value) { return value < 0 ? -1 : value > 0 ? 1 : 0; }
 
 // Both keys are equal as far as they go; aGoesOn, bGoesOn: one of them has words left.
 KeyOrder orderOfEnds(const IndexKey& a, const IndexKey& b, bool aGoesOn, bool bGoesOn) {
@@ -46,7 +46,7 @@ KeyOrder compareOrders(const KeyPair& keys, A x, B y) {
 KeyOrder levelsAtEnd(const KeyPair& keys, const LevelDifferences& differences, unsigned cmpOp, Weight k1, Weight k2) {
   const bool atCut = (k1 == 0 && keys.a.isCut) || (k2 == 0 && keys.b.isCut);
   if (!atCut && k1 != k2) return {k1 == 0 ? -1 : 1, true};
-  const long byLevels = signOf(differences.result(cmpOp));
+  const int byLevels = signOf(differences.result(cmpOp));
   if (!atCut) return {byLevels, true};
   return {byLevels != 0 ? byLevels : orderOfEnds(keys.a, keys.b, k1 != 0, k2 != 0).result, false};
 }
@@ -97,42 +97,34 @@ constexpr unsigned kIgnoreLevels = kIgnoreCase | kIgnoreDiacritics;
 bool isLetter(Weight word, Weight significant) { return word >= significant && word < kSeveralOrdersMark; }
 
 // Both keys are alike as far as the shorter one goes.
-bool decideAtEnd(const UsualKey& a, const UsualKey& b, Weight significant, KeyOrder& order) {
+std::optional<KeyOrder> orderAtEnd(const UsualKey& a, const UsualKey& b, Weight significant) {
   const unsigned long endA = a.end(), endB = b.end();
-  if (endA == endB) {
-    const bool isDecided = !a.isCut() && !b.isCut();
-    order = {long{a.isCut()} - long{b.isCut()}, isDecided};
-    return true;
-  }
+  if (endA == endB) return KeyOrder{int{a.isCut()} - int{b.isCut()}, !a.isCut() && !b.isCut()};
   const UsualKey& shorter = endA < endB ? a : b;
   const UsualKey& longer = endA < endB ? b : a;
-  if (!isLetter(longer.word(shorter.end()), significant)) return false;
+  if (!isLetter(longer.word(shorter.end()), significant)) return std::nullopt;
   const bool shorterIsLess = !shorter.isCut();
-  order = {shorterIsLess == (endA < endB) ? -1 : 1, !shorter.isCut()};
-  return true;
+  return KeyOrder{shorterIsLess == (endA < endB) ? -1 : 1, !shorter.isCut()};
 }
 
 }  // namespace
 
 // Words that are equal on both sides change nothing, whatever they are: so the first ones that differ decide, if they
 // are letters and differ in more than case and accents.
-bool decideKeysByLetters(const void* keyA, unsigned long roomA, const void* keyB, unsigned long roomB,
-                         unsigned char format, unsigned cmpOp, KeyOrder& order) {
+std::optional<KeyOrder> orderByLetters(const void* keyA, unsigned long roomA, const void* keyB, unsigned long roomB,
+                                       unsigned char format, unsigned cmpOp) {
   const UsualKey a(keyA, knownLength(roomA), lowCode(format)), b(keyB, knownLength(roomB), lowCode(format));
-  if (!a.isUsual || !b.isUsual || a.language() != b.language()) return false;
+  if (!a.isUsual || !b.isUsual || a.language() != b.language()) return std::nullopt;
   const Weight significant = firstSignificant(collationKind(a.language()));
   const unsigned long end = std::min(a.end(), b.end());
   for (unsigned long at = kTextAt; at < end; at += kKeyWord) {
     const Weight k1 = a.word(at), k2 = b.word(at);
     if (k1 == k2) continue;
-    if (!isLetter(k1, significant) || !isLetter(k2, significant)) return false;
-    if (differAboveLevels(k1, k2)) {
-      order = {k1 < k2 ? -1 : 1, true};
-      return true;
-    }
-    if ((cmpOp & kIgnoreLevels) != kIgnoreLevels) return false;
+    if (!isLetter(k1, significant) || !isLetter(k2, significant)) return std::nullopt;
+    if (differAboveLevels(k1, k2)) return KeyOrder{k1 < k2 ? -1 : 1, true};
+    if ((cmpOp & kIgnoreLevels) != kIgnoreLevels) return std::nullopt;
   }
-  return decideAtEnd(a, b, significant, order);
+  return orderAtEnd(a, b, significant);
 }
 
 KeyOrder compareKeys(const IndexKey& a, const IndexKey& b, unsigned cmpOp) {
