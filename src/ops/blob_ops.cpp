@@ -6,7 +6,6 @@
 #include "ops/run_compare.h"
 #include "ops/run_hash.h"
 #include "ops/string_array.h"
-#include "text/allocation_watch.h"
 #include "values/null_text.h"
 #include "values/text_builder.h"
 
@@ -93,18 +92,13 @@ KtTypeConvertData* BlobOps::convertTo(void* values, unsigned long count) {
 }
 
 void* BlobOps::convertFrom(KtTypeConvertData* data, unsigned long count) {
-  void* values = create(count);
-  if (values == nullptr) return nullptr;
-  const AllocationWatch watch;
-  for (unsigned long i = 0; i < count; ++i) {
-    const KtString* text = stringAt(data, i);
-    if (text == nullptr) {
-      at(values)[i].SetNullValue();
-    } else {
+  return makeFilled<BlobOps>(count, [data](void* values, unsigned long i) {
+    if (const KtString* text = textAt(data, i)) {
       at(values)[i].SetTo(text->buffer, text->bufferSize);
+    } else {
+      at(values)[i].SetNullValue();
     }
-  }
-  return watch.hasFailed() ? destroy(values, count) : values;
+  });
 }
 
 KtString& BlobOps::print(KtString& out, void* values, const char* format, unsigned long) {

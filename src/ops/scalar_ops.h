@@ -10,7 +10,6 @@
 #include "ops/scalar_values.h"
 #include "ops/string_array.h"
 #include "ops/translate.h"
-#include "text/allocation_watch.h"
 
 #include <ktbs.h>
 
@@ -131,14 +130,10 @@ struct ScalarOps {
   }
 
   static void* convertFrom(KtTypeConvertData* data, unsigned long count) {
-    auto* values = static_cast<unsigned char*>(create(count));
-    if (values == nullptr) return nullptr;
-    const AllocationWatch watch;
-    for (unsigned long i = 0; i < count; ++i) {
-      const Memory value = fromText(stringAt(data, i));
-      std::memcpy(values + i * kSize, &value, kSize);
-    }
-    return watch.hasFailed() ? destroy(values, count) : values;
+    return makeFilled<ScalarOps>(count, [data](void* values, unsigned long i) {
+      const Memory value = fromText(textAt(data, i));
+      std::memcpy(static_cast<unsigned char*>(values) + i * kSize, &value, kSize);
+    });
   }
 
   static void* defaultValue(unsigned long count, int) { return convertEmptyStrings(&convertFrom, count); }

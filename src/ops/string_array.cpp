@@ -9,8 +9,11 @@ KtString* createStrings(unsigned long count) { return static_cast<KtString*>(Han
 void deleteStrings(KtString* strings, unsigned long count) { HandleArrays<KtString>::destroy(strings, count); }
 
 const KtString* stringAt(const KtTypeConvertData* data, unsigned long index) {
-  if (data == nullptr || index > 0x7FFFFFFFul) return nullptr;
-  const KtString* text = data->GetString(static_cast<int>(index));
+  return data == nullptr || index > 0x7FFFFFFFul ? nullptr : data->GetString(static_cast<int>(index));
+}
+
+const KtString* textAt(const KtTypeConvertData* data, unsigned long index) {
+  const KtString* text = stringAt(data, index);
   return text == nullptr || text->IsNullValue() ? nullptr : text;
 }
 

@@ -14,8 +14,10 @@ namespace kt {
 KtString* createStrings(unsigned long count);
 void deleteStrings(KtString* strings, unsigned long count);
 
-// String `index` of the holder, or null where there is none or it is a null string.
+// String `index` of the holder, or null where there is none ...
 const KtString* stringAt(const KtTypeConvertData* data, unsigned long index);
+// ... or it is a null string.
+const KtString* textAt(const KtTypeConvertData* data, unsigned long index);
 
 // What `count` empty strings convert to: the default values of a type without (or not asked for) null.
 void* convertEmptyStrings(KtConvertFromFunc convertFrom, unsigned long count);
@@ -34,6 +36,17 @@ KtTypeConvertData* convertToStrings(unsigned long count, TextOf textOf) {
       watch.hasFailed() ? nullptr : KtTypeConvertData::Make(KT_ID_KtString, count, strings, nullptr);
   if (holder == nullptr) deleteStrings(strings, count);
   return holder;
+}
+
+// Makes `count` values by Ops::create, value i being what fill(values, i) makes of it. Null when memory is
+// exhausted, also that of one value.
+template <class Ops, class Fill>
+[[gnu::always_inline]] inline void* makeFilled(unsigned long count, Fill fill) {
+  void* values = Ops::create(count);
+  if (values == nullptr) return nullptr;
+  const AllocationWatch watch;
+  for (unsigned long i = 0; i < count; ++i) fill(values, i);
+  return watch.hasFailed() ? Ops::destroy(values, count) : values;
 }
 
 }  // namespace kt

@@ -2,7 +2,6 @@
 #include "ops/string_ops.h"
 
 #include "ops/string_array.h"
-#include "text/allocation_watch.h"
 #include "values/append_whole.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
@@ -64,19 +63,14 @@ KtString& printString(KtString& out, const KtString* value, const char* format) 
 
 template <class Kind>
 void* StringRowOps<Kind>::convertFrom(KtTypeConvertData* data, unsigned long count) {
-  KtString* values = createStrings(count);
-  if (values == nullptr) return nullptr;
-  const AllocationWatch watch;
-  for (unsigned long i = 0; i < count; ++i) {
-    const bool isAsked = data != nullptr && i <= 0x7FFFFFFFul;
-    const KtString* text = isAsked ? data->GetString(static_cast<int>(i)) : nullptr;
-    if (text != nullptr && (Kind::kHasNull || !text->IsNullValue())) {
-      values[i] = *text;
+  return makeFilled<StringArrayOps>(count, [data](void* values, unsigned long i) {
+    const KtString* string = stringAt(data, i);
+    if (string != nullptr && (Kind::kHasNull || !string->IsNullValue())) {
+      at(values)[i] = *string;
     } else if (Kind::kHasNull) {
-      values[i].SetNullValue();
+      at(values)[i].SetNullValue();
     }
-  }
-  return watch.hasFailed() ? destroy(values, count) : values;
+  });
 }
 
 template <class Kind>
