@@ -3,6 +3,7 @@
 
 #include "ops/scalar_text.h"
 #include "table/type_table.h"
+#include "text/format_or.h"
 #include "values/append_whole.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
@@ -66,7 +67,7 @@ KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const
   const KtTypeDescriptor& row = Row(id);
   const KtPrintToKtStringFunc print = row.PrintToKtString;
   if (print == nullptr) return out;
-  if (format == nullptr) format = row.Format;
+  format = kt::formatOr(format, row.Format);
   // Characters print as one text, also where one of their rows has got another function. The illegal row prints nothing
   // at all, so no commas either.
   const bool asOneText = count < 2 || print == kt::printChars || row.MemLen == 0;
@@ -76,7 +77,7 @@ KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const
 void* KtTypeMgr::ScanFromKtString(char id, void* values, KtString& in, const char* format, unsigned long count) const {
   const KtTypeDescriptor& row = Row(id);
   if (row.ScanFromKtString == nullptr) return values;
-  return row.ScanFromKtString(values, in, format == nullptr ? row.Format : format, count);
+  return row.ScanFromKtString(values, in, kt::formatOr(format, row.Format), count);
 }
 
 const KtString& KtTypeMgr::GetNullPrintString() { return kt::nullPrintString(); }

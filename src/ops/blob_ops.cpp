@@ -6,6 +6,7 @@
 #include "ops/run_compare.h"
 #include "ops/run_hash.h"
 #include "ops/string_array.h"
+#include "text/format_or.h"
 #include "values/null_text.h"
 #include "values/text_builder.h"
 
@@ -106,7 +107,7 @@ KtString& BlobOps::print(KtString& out, void* values, const char* format, unsign
   const KtBlob& blob = *at(values);
   if (blob.IsNullValue()) return out = nullPrintString();
   TextBuilder text;
-  for (const char* next = format == nullptr ? kBlobFormat : format; *next != '\0'; ++next) {
+  for (const char* next = formatOr(format, kBlobFormat); *next != '\0'; ++next) {
     const bool isDirective = *next == '%';
     if (isDirective && *++next == '\0') break;
     if (isDirective && *next == 'L') {

@@ -141,6 +141,7 @@ struct TimeValue : DateFamily<KtTime>, DateText<KtTime> {
 // DISK: the year in the order of the format code, then month, day, hour, minute and second, a byte each; no padding,
 // not even in format code 8.
 struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
+  static constexpr const char* kFormat = kDateTimeFormat;
   static constexpr unsigned long kDiskSize = 7;
   static constexpr unsigned long elementSize(unsigned char code) {
     return code == kMemoryForm ? sizeof(KtDateTime) : kDiskSize;
@@ -158,7 +159,6 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
     return DateValue::number(code, p) * kDay + TimeValue::number(code, p + sizeof(KtDate));
   }
   static void print(KtString& out, void* value, const char* format) {
-    format = format == nullptr ? kDateTimeFormat : format;
     if (liesIn(out, static_cast<const char*>(value))) [[unlikely]] {
       const auto copy = readValue<KtDateTime>(value);  // the text may move
       printDateTime(out, &copy, format);
@@ -166,9 +166,7 @@ struct DateTimeValue : DateFamily<KtDateTime>, DateText<KtDateTime> {
       printDateTime(out, value, format);
     }
   }
-  static bool scan(void* value, const KtString& in, const char* format) {
-    return scanDateTime(in, format == nullptr ? kDateTimeFormat : format, value);
-  }
+  static bool scan(void* value, const KtString& in, const char* format) { return scanDateTime(in, format, value); }
   static KtString toText(const KtDateTime& v);
   static KtDateTime fromText(const KtString& s);
 };

@@ -198,7 +198,7 @@ float RefOps::evalAndBound(KtIdxBounds*, unsigned short& flags, void* key, unsig
   flags &= kBoundFlags;
   double measure = 0;
   if (count != 0) {
-    const auto ref = loadValue<IdentityValue<KtRef, RefDisk>>(lowCode(format), key);
+    const auto ref = loadValue<RefValue>(lowCode(format), key);
     const double number = (ref.database * 65535.0 + ref.high) * 4294967295.0 + ref.low;
     if ((flags & KtBOUND_LESS) != 0) measure = number;
     if ((flags & KtBOUND_GREATER) != 0) measure += kAll - (number + 1);

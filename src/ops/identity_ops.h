@@ -12,7 +12,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 namespace kt {
 
@@ -94,19 +93,13 @@ struct IdentityValue {
     return value;
   }
   static void print(KtString& out, void* value, const char* format) {
-    readValue<Memory>(value).PrintToKtString(out, formatOrDefault(format));
+    readValue<Memory>(value).PrintToKtString(out, format);
   }
   static bool scan(void* value, const KtString& in, const char* format) {
     auto scanned = readValue<Memory>(value);
-    scanned.ScanFromKtString(in, formatOrDefault(format));
+    scanned.ScanFromKtString(in, format);
     std::memcpy(value, &scanned, sizeof scanned);
     return true;
-  }
-
-private:
-  // A row without a format prints all fields of a reference, unlike the class.
-  static const char* formatOrDefault(const char* format) {
-    return format == nullptr && std::is_same_v<Memory, KtRef> ? kVersionedRefFormat : format;
   }
 };
 
@@ -147,6 +140,10 @@ struct ObjIdValue : IdentityValue<KtObjId, ObjIdDisk> {
   static double number(unsigned char code, const unsigned char* p);
 };
 
+struct RefValue : IdentityValue<KtRef, RefDisk> {
+  static constexpr const char* kFormat = kVersionedRefFormat;  // all fields, unlike the class
+};
+
 struct ObjIdOps : IdentityOps<ObjIdValue> {
   static constexpr KtTypeCmpFunc compare = &ObjIdCompare;
 };
@@ -157,7 +154,7 @@ struct ClassIdOps : IdentityOps<IdentityValue<KtClassId, ClassIdDisk>> {
     return 1;
   }
 };
-struct RefOps : IdentityOps<IdentityValue<KtRef, RefDisk>> {
+struct RefOps : IdentityOps<RefValue> {
   static constexpr KtTypeCmpFunc compare = &RefCompare;
   // The share of all references there can be, whatever the range; the flags are always masked.
   static float evalAndBound(KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,

@@ -79,6 +79,7 @@ template <class V>
 struct NullableValue {
   using Memory = NullableMemory<typename V::Memory>;
   static constexpr bool kEqualBytes = true;
+  static constexpr const char* kFormat = kNullableFormat<V>;
 
   static unsigned long elementSize(unsigned char code) { return recordOf(code).size; }
   static unsigned long fileSize(unsigned char format, unsigned long count) {
@@ -182,7 +183,7 @@ struct NullableValue {
     if (isNull(static_cast<unsigned char*>(value))) {
       out = nullText();
     } else {
-      V::print(out, value, format == nullptr ? kNullableFormat<V> : format);
+      V::print(out, value, format);
     }
   }
   static bool scan(void* value, const KtString& in, const char* format) {
@@ -191,7 +192,7 @@ struct NullableValue {
       setNull(element);
       return true;
     }
-    if (!V::scan(element, in, format == nullptr ? kNullableFormat<V> : format)) return false;
+    if (!V::scan(element, in, format)) return false;
     element[kWidth] = 0;
     return true;
   }

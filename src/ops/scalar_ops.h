@@ -10,6 +10,7 @@
 #include "ops/scalar_values.h"
 #include "ops/string_array.h"
 #include "ops/translate.h"
+#include "text/format_or.h"
 
 #include <ktbs.h>
 
@@ -143,20 +144,20 @@ struct ScalarOps {
 
   // One value, whatever count is: the manager goes through runs.
   static KtString& print(KtString& out, void* values, const char* format, unsigned long) {
-    if (values != nullptr) V::print(out, values, formatOr(format));
+    if (values != nullptr) V::print(out, values, formatOrOwn(format));
     return out;
   }
 
   static void* scan(void* values, KtString& in, const char* format, unsigned long) {
-    if (values != nullptr) V::scan(values, in, formatOr(format));
+    if (values != nullptr) V::scan(values, in, formatOrOwn(format));
     return values;
   }
 
 private:
   // Who calls without a format gets the one that the description of the value names, or else finds itself: the row's
   // own, or that of its class.
-  static const char* formatOr(const char* format) {
-    if constexpr (requires { V::kFormat; }) return format != nullptr ? format : V::kFormat;
+  static const char* formatOrOwn(const char* format) {
+    if constexpr (requires { V::kFormat; }) return formatOr(format, V::kFormat);
     return format;
   }
 

@@ -2,6 +2,7 @@
 
 #include "ktstring.h"
 #include "ops/scalar_values.h"
+#include "text/format_or.h"
 #include "text/number_format.h"
 #include "text/short_integer.h"
 #include "values/append_short.h"
@@ -20,8 +21,6 @@ constexpr char kShortFormat[] = "%hd";
 constexpr char kLongFormat[] = "%ld";
 constexpr char kFloatFormat[] = "%f";
 constexpr char kDoubleFormat[] = "%lf";
-
-const char* formatOr(const char* own, const char* format) { return format != nullptr ? format : own; }
 
 // 7-bit printable characters: what every locale agrees on.
 bool isPrintable(unsigned char ch) { return ch >= 0x20 && ch < 0x7F; }
@@ -62,7 +61,7 @@ bool scanCharacter(unsigned char& value, const char* text, unsigned long length,
 // The body of a row's scan.
 template <bool (*kScan)(void*, const KtString&, const char*), const char* kOwn>
 void* scanFirst(void* values, const KtString& in, const char* format) {
-  if (values != nullptr) kScan(values, in, formatOr(kOwn, format));
+  if (values != nullptr) kScan(values, in, formatOr(format, kOwn));
   return values;
 }
 
@@ -91,7 +90,7 @@ KtString& printNumber(KtString& out, const char* format, std::int32_t value) {
 template <class Stored>
 KtString& printStoredInteger(KtString& out, const void* values, const char* format) {
   if (values == nullptr) return out;
-  return printNumber(out, formatOr(sizeof(Stored) == 2 ? kShortFormat : kLongFormat, format),
+  return printNumber(out, formatOr(format, sizeof(Stored) == 2 ? kShortFormat : kLongFormat),
                      readValue<Stored>(values));
 }
 
@@ -122,7 +121,7 @@ void replaceByChars(KtString& out, const unsigned char* chars, const char* forma
 KtString& printChars(KtString& out, void* values, const char* format, unsigned long count) {
   const auto* chars = static_cast<const unsigned char*>(values);
   if (chars == nullptr) return out = "";
-  format = formatOr(kCharFormat, format);
+  format = formatOr(format, kCharFormat);
   const bool readsOwn = liesIn(out, static_cast<const char*>(values)) || liesIn(out, format);
   if (readsOwn) return replaceByOwnChars(out, chars, format, count);
   replaceByChars(out, chars, format, count);
@@ -131,7 +130,7 @@ KtString& printChars(KtString& out, void* values, const char* format, unsigned l
 
 void* scanChars(void* values, KtString& in, const char* format, unsigned long count) {
   if (values == nullptr) return nullptr;
-  format = formatOr(kCharFormat, format);
+  format = formatOr(format, kCharFormat);
   const NarrowText text(in);
   auto* chars = static_cast<unsigned char*>(values);
   // One character of text an element, even behind a number of several digits.
@@ -173,7 +172,7 @@ void* scanLong(void* values, KtString& in, const char* format, unsigned long) {
 KtString& printFloat(KtString& out, void* values, const char* format, unsigned long) {
   if (values == nullptr) return out;
   NumberText text;
-  kt::printFloat(text, formatOr(kFloatFormat, format), readValue<float>(values));
+  kt::printFloat(text, formatOr(format, kFloatFormat), readValue<float>(values));
   return assignNumber(out, text);
 }
 
@@ -190,7 +189,7 @@ void* scanFloat(void* values, KtString& in, const char* format, unsigned long) {
 KtString& printDouble(KtString& out, void* values, const char* format, unsigned long) {
   if (values == nullptr) return out;
   NumberText text;
-  kt::printDouble(text, formatOr(kDoubleFormat, format), readValue<double>(values));
+  kt::printDouble(text, formatOr(format, kDoubleFormat), readValue<double>(values));
   return assignNumber(out, text);
 }
 

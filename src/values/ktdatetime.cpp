@@ -3,6 +3,7 @@
 
 #include "ktint64.h"
 #include "ktstring.h"
+#include "text/format_or.h"
 #include "values/datetime_text.h"
 #include "values/local_offset.h"
 
@@ -62,11 +63,11 @@ int KtDateTime::ToLocalTime() { return shiftByOffset(*this, 1); }
 int KtDateTime::ToUTCTime() { return shiftByOffset(*this, -1); }
 
 KtString& KtDateTime::PrintToKtString(KtString& out, const char* format) const {
-  return kt::printDateTime(out, *this, format == nullptr ? kt::kDateTimeFormat : format);
+  return kt::printDateTime(out, *this, kt::formatOr(format, kt::kDateTimeFormat));
 }
 
 void KtDateTime::ScanFromKtString(const KtString& in, const char* format) {
-  kt::scanDateTime(in, format == nullptr ? kt::kDateTimeFormat : format, this);
+  kt::scanDateTime(in, kt::formatOr(format, kt::kDateTimeFormat), this);
 }
 
 int GetSystemTimeInMSSinceTheEpoch(KtInt64& result) {

@@ -2,6 +2,7 @@
 #include "ktint64.h"
 
 #include "ktstring.h"
+#include "text/format_or.h"
 #include "text/integer_digits.h"
 #include "text/text_units.h"
 #include "values/append_short.h"
@@ -198,7 +199,7 @@ inline KtInt64 scanShortText(const KtString& in, char directive) {
 }  // namespace
 
 KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
-  if (format == nullptr) format = kDefaultFormat;
+  format = kt::formatOr(format, kDefaultFormat);
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
   if (isNumberOnly && appendInPlace(out, *this, format[1])) return out;
   return printText(out, *this, format);
@@ -207,7 +208,7 @@ KtString& KtInt64::PrintToKtString(KtString& out, const char* format) const {
 void KtInt64::ScanFromKtString(const KtString& in, const char* format) { kt::scanInt64(*this, in, format); }
 
 bool kt::scanInt64(KtInt64& number, const KtString& in, const char* format) {
-  if (format == nullptr) format = kDefaultFormat;
+  format = kt::formatOr(format, kDefaultFormat);
   const bool isNumberOnly = isConversion(format) && format[2] == '\0';
   if (!isNumberOnly || !kt::isShortText(in)) return scanAnyText(number, in, format);
   number = scanShortText(in, format[1]);

@@ -3,16 +3,17 @@
 
 #include "ktref.h"
 #include "ktstring.h"
+#include "text/format_or.h"
 #include "values/identity_text.h"
 #include "values/null_text.h"
 
 namespace {
 
+using kt::formatOr;
+
 constexpr KtWord narrow(std::uint32_t number) { return static_cast<KtWord>(number); }
 
 KtString& printNull(KtString& out) { return out = kt::nullPrintString(); }
-
-const char* formatOr(const char* format, const char* fallback) { return format == nullptr ? fallback : format; }
 
 }  // namespace
 
