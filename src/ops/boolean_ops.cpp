@@ -15,23 +15,6 @@ std::uint32_t BooleanValue::hashWords(unsigned char, const unsigned char* p, uns
   return trues ^ (nulls * 255u);
 }
 
-KtString BooleanValue::toText(KtBoolean v) {
-  KtString text;
-  v.PrintToKtString(text);
-  return text;
-}
-
-KtBoolean BooleanValue::fromText(const KtString& s) {
-  KtBoolean value;
-  value.ScanFromKtString(s);
-  return value;
-}
-
-bool BooleanValue::scan(void* value, const KtString& in, const char*) {
-  static_cast<KtBoolean*>(value)->ScanFromKtString(in);
-  return true;
-}
-
 void* BooleanOps::defaultValue(unsigned long count, int asNull) {
   if (asNull == 0) return ScalarOps::defaultValue(count, 0);
   auto* values = static_cast<KtBoolean*>(create(count));

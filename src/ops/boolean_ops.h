@@ -4,13 +4,14 @@
 
 #include "ktbool.h"
 #include "kttypops.h"
+#include "ops/class_text.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
 
 namespace kt {
 
 // DISK: the byte, in every format code.
-struct BooleanValue {
+struct BooleanValue : ClassText<KtBoolean> {
   using Memory = KtBoolean;
   static constexpr bool kEqualBytes = true;
   static constexpr unsigned long elementSize(unsigned char) { return 1; }
@@ -30,12 +31,6 @@ struct BooleanValue {
   }
   static unsigned long fileSize(unsigned char, unsigned long count) { return count; }
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n);
-  static KtString toText(KtBoolean v);
-  static KtBoolean fromText(const KtString& s);
-  static void print(KtString& out, void* value, const char* format) {
-    readValue<KtBoolean>(value).PrintToKtString(out, format);
-  }
-  static bool scan(void* value, const KtString& in, const char* format);
 };
 
 struct BooleanOps : ScalarOps<BooleanValue, CountedArrays<KtBoolean>> {

@@ -6,6 +6,7 @@
 
 #include "ktdatetime.h"
 #include "kttypops.h"
+#include "ops/class_text.h"
 #include "ops/date_kernels.h"
 #include "ops/scalar_ops.h"
 #include "values/datetime_text.h"
@@ -77,18 +78,9 @@ struct DateStorage : DateFamily<MemoryType> {
   }
 };
 
-// What a class that prints, scans and knows null brings along.
+// What the classes bring along, which know null.
 template <class Class>
-struct DateText {
-  static void print(KtString& out, void* value, const char* format) {
-    readValue<Class>(value).PrintToKtString(out, format);
-  }
-  static bool scan(void* value, const KtString& in, const char* format) {
-    auto scanned = readValue<Class>(value);
-    scanned.ScanFromKtString(in, format);
-    std::memcpy(value, &scanned, sizeof scanned);
-    return true;
-  }
+struct DateText : ClassText<Class> {
   // A missing or null string; an empty one is a number, 0.
   static Class fromNoText() {
     constexpr unsigned char kZeros[sizeof(Class)] = {};

@@ -6,6 +6,7 @@
 #include "ktobjid.h"
 #include "ktref.h"
 #include "kttypops.h"
+#include "ops/class_text.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
 #include "values/identity_text.h"
@@ -49,7 +50,7 @@ long byteDifference(std::uint64_t a, std::uint64_t b);
 // One identity. Disk::key is what orders the little-endian disk form, as a number: its bytes are compared. That order is
 // used for every disk form, and for a KtRef it is not the order in memory.
 template <class MemoryType, class Disk>
-struct IdentityValue {
+struct IdentityValue : ClassText<MemoryType> {
   using Memory = MemoryType;
   static constexpr bool kEqualBytes = true;
   static constexpr unsigned long elementSize(unsigned char code) {
@@ -91,15 +92,6 @@ struct IdentityValue {
     Memory value;
     value.SetNullValue();
     return value;
-  }
-  static void print(KtString& out, void* value, const char* format) {
-    readValue<Memory>(value).PrintToKtString(out, format);
-  }
-  static bool scan(void* value, const KtString& in, const char* format) {
-    auto scanned = readValue<Memory>(value);
-    scanned.ScanFromKtString(in, format);
-    std::memcpy(value, &scanned, sizeof scanned);
-    return true;
   }
 };
 

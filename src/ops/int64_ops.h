@@ -4,6 +4,7 @@
 
 #include "ktint64.h"
 #include "kttypops.h"
+#include "ops/class_text.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
 #include "values/int64_text.h"
@@ -11,7 +12,7 @@
 namespace kt {
 
 // DISK: two 32-bit words in the order of the format code, the low word first in every code.
-struct Int64Value : ScalarCompare<Int64Value, KtInt64> {
+struct Int64Value : ScalarCompare<Int64Value, KtInt64>, ClassText<KtInt64> {
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return LongStore(dst, src, lowCode(f), 2 * n);
   }
@@ -26,19 +27,6 @@ struct Int64Value : ScalarCompare<Int64Value, KtInt64> {
   // A value's word is low ^ high.
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
     return LongValue::hashWords(code, p, 2 * n);
-  }
-  static KtString toText(KtInt64 v) {
-    KtString text;
-    v.PrintToKtString(text);
-    return text;
-  }
-  static KtInt64 fromText(const KtString& s) {
-    KtInt64 value;
-    value.ScanFromKtString(s);
-    return value;
-  }
-  static void print(KtString& out, void* value, const char* format) {
-    readValue<KtInt64>(value).PrintToKtString(out, format);
   }
   // Every text gives a number, an unfit one -1.
   static bool scan(void* value, const KtString& in, const char* format) {

@@ -3,13 +3,14 @@
 #define KT_OPS_SEAL_OPS_H
 
 #include "ktseal.h"
+#include "ops/class_text.h"
 #include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
 
 namespace kt {
 
 // DISK: three 16-bit words, the highest first, each big-endian, in every format code.
-struct SealValue {
+struct SealValue : ClassText<KtSeal> {
   using Memory = KtSeal;
   static constexpr bool kEqualBytes = true;
   static constexpr unsigned long elementSize(unsigned char) { return sizeof(KtSeal); }
@@ -39,16 +40,6 @@ struct SealValue {
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
     const bool native = code == kMemoryForm || code == kMemoryLayout;
     return WordValue::hashWords(native ? kMemoryForm : kBigEndian, p, kWords * n);
-  }
-  static KtString toText(KtSeal v) {
-    KtString text;
-    v.PrintToKtString(text);
-    return text;
-  }
-  static KtSeal fromText(const KtString& s) {
-    KtSeal value;
-    value.ScanFromKtString(s);
-    return value;
   }
   static void print(KtString& out, void* value, const char*) { readValue<KtSeal>(value).PrintToKtString(out); }
   static bool scan(void* value, const KtString& in, const char*) {
