@@ -51,6 +51,7 @@ struct ScalarCompare {
   static long compareDirect(const unsigned char* a, const unsigned char* b) {
     return threeWay(readValue<Memory>(a), readValue<Memory>(b));
   }
+  // Side by side, not by loadValue: a value from one call would have to be kept across the other.
   static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
     Memory valueA;
     Memory valueB;
@@ -140,25 +141,13 @@ using LongValue = LongFamily<std::int32_t>;
 using DwordValue = LongFamily<std::uint32_t>;
 
 // --- int: two bytes on disk in format 4 ----------------------------------------------------------------------------
-template <class MemoryType, bool kUnsignedStorage>
-struct IntFamily {
-  using Memory = MemoryType;
-  static constexpr bool kEqualBytes = true;
+// Always compared by the signed loader: unsigned values of two bytes compare sign-extended.
+template <class Memory, bool kUnsignedStorage>
+struct IntFamily : ScalarCompare<IntFamily<Memory, false>, Memory> {
   static unsigned long elementSize(unsigned char code) {
     return code == kMemoryForm ? sizeof(Memory) : IntSizeGet(nullptr, kMemoryForm, code, 1);
   }
   static constexpr bool direct(unsigned char code) { return code != kShortInts && isHostLayout(code); }
-  static long compareDirect(const unsigned char* a, const unsigned char* b) {
-    return threeWay(readValue<Memory>(a), readValue<Memory>(b));
-  }
-  // Always the signed loader: unsigned values of two bytes compare sign-extended.
-  static long compareDisk(unsigned char code, const unsigned char* a, const unsigned char* b) {
-    Memory valueA;
-    Memory valueB;
-    IntLoad(&valueA, a, code, 1);
-    IntLoad(&valueB, b, code, 1);
-    return threeWay(valueA, valueB);
-  }
   static double number(unsigned char code, const unsigned char* p) { return loadValue<IntFamily>(code, p); }
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return kUnsignedStorage ? UnsignedStore(dst, src, f, n) : IntStore(dst, src, f, n);
