@@ -343,6 +343,29 @@ TEST(AllocationFailure, scanning_a_long_wide_text_leaves_the_value) {
   }
 }
 
+// Nor can it be converted from: what it begins with, or an empty text, would be other values.
+TEST(AllocationFailure, converting_from_a_long_wide_text_gives_the_values_or_nothing) {
+  for (const Row& row : rows()) {
+    Scene scene(row, row.samples.size());
+    for (unsigned long i = 0; i < scene.count; ++i) {
+      KtString& text = *scene.texts->GetString(static_cast<int>(i));
+      if (!text.IsNullValue()) (text += longWideText("")).SetCodeSet(253);
+    }
+    const Values whole(row, scene.count, scene.mgr.ConvertFrom(row.id, scene.texts, scene.count));
+    const Images expected = imagesOf(row, whole.get(), scene.count);
+    bool isDone = false;
+    for (unsigned long number = 1; !isDone; ++number) {
+      FailingAllocations failing(number, Fail::kOne);
+      const Values made(row, scene.count, scene.mgr.ConvertFrom(row.id, scene.texts, scene.count));
+      failing.stop();
+      isDone = !failing.hasFailed();
+      EXPECT_TRUE(made.get() != nullptr || failing.hasFailed()) << row.stem << ", allocation " << number;
+      if (made.get() == nullptr) continue;
+      EXPECT_EQ(imagesOf(row, made.get(), scene.count), expected) << row.stem << ", allocation " << number;
+    }
+  }
+}
+
 TEST(AllocationFailure, scanning_beside_a_long_wide_null_print_string_takes_no_memory) {
   const KtString old = KtTypeMgr::GetNullPrintString();
   for (const Row& row : rows()) {
