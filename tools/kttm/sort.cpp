@@ -26,20 +26,33 @@ void mergeSort(Indexes& items, Less less) {
   }
 }
 
-// Under a field of -1 dates and times in memory equal any other; as they are stored they have one order.
-bool hasWildFields(char id) { return id == KT_ID_KtDate || id == KT_ID_KtTime || id == KT_ID_KtDateTime; }
+constexpr unsigned char kDisk = 2;
+
+// Whether a field of -1 equals any other in memory, as in dates; as they are stored, such values have one order.
+bool hasWildFields(const Type& type, unsigned short op) {
+  if (!type.fixed) return false;
+  const Values values(type, 2);
+  Bytes wild(storedSize(type.id, values.at(0), kDisk, 1), 0xFF);
+  manager().Load(type.id, values.at(0), wild.data(), kDisk, 1);
+  for (std::size_t i = 0; i < wild.size(); ++i) {
+    Bytes other = wild;
+    other[i] = 0;
+    manager().Load(type.id, values.at(1), other.data(), kDisk, 1);
+    const bool isSame = compared(type.id, values.at(0), values.at(1), op) == 0;
+    if (isSame && compared(type.id, wild.data(), other.data(), op, kDisk) != 0) return true;
+  }
+  return false;
+}
 
 // -1, 0 or 1, of values in memory.
 class Order {
 public:
-  Order(char id, unsigned short op) : id_(id), op_(op), asStored_(hasWildFields(id)) {}
+  Order(const Type& type, unsigned short op) : id_(type.id), op_(op), asStored_(hasWildFields(type, op)) {}
   int operator()(void* a, void* b) const {
     if (!asStored_) return compared(id_, a, b, op_);
-    constexpr unsigned char kDisk = 2;
     Bytes first = stored(id_, a, kDisk, 1);
     Bytes second = stored(id_, b, kDisk, 1);
-    const long result = manager().Cmp(id_, first.data(), second.data(), op_, 1, kDisk);
-    return (result > 0) - (result < 0);
+    return compared(id_, first.data(), second.data(), op_, kDisk);
   }
 
 private:
@@ -106,7 +119,7 @@ struct Sort {
   void run() const {
     const Type which = parseType(text(*type, ""));
     requireValues(which);
-    const Order compare(which.id, orderOperator());
+    const Order compare(which, orderOperator());
     const std::vector<std::string> lines = splitLines(readFile(text(*file, "-")));
     if (lines.empty()) return;
     const Values values = readLines(which, lines, compare);

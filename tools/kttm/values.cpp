@@ -66,8 +66,8 @@ std::string printed(const Type& type, void* value, const char* format, bool conv
   return toTerminal(manager().PrintToKtString(type.id, out, value, format, 1));
 }
 
-int compared(char id, void* a, void* b, unsigned short op) {
-  const long result = manager().Cmp(id, a, b, op, 1, kMemoryForm);
+int compared(char id, void* a, void* b, unsigned short op, unsigned char format) {
+  const long result = manager().Cmp(id, a, b, op, 1, format);
   return (result > 0) - (result < 0);
 }
 

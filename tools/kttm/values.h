@@ -48,8 +48,8 @@ std::optional<std::string> conversionOf(const Type& type, void* value);
 // One value as terminal text. A null format stands for the type's own; converted: the text of its string conversion.
 std::string printed(const Type& type, void* value, const char* format, bool converted);
 
-// Narrows the result of the type's compare function to -1, 0, 1; both values in memory form.
-int compared(char id, void* a, void* b, unsigned short op);
+// Narrows the result of the type's compare function to -1, 0, 1; both values in that format.
+int compared(char id, void* a, void* b, unsigned short op, unsigned char format = kMemoryForm);
 
 }  // namespace tool
 
