@@ -237,21 +237,20 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
   if (((headA ^ headB) & kCodes) != 0)
     return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
   const auto codes = static_cast<unsigned>(headA & kCodes);
-  const ByteWeights* table = usualByteWeights(codes);
-  if (table == nullptr) {
-    const WideWeights* wide = usualWideWeights(codes);
-    if (wide != nullptr && lowCode(format) != kBigEndian) {
-      if (const std::int32_t difference = differenceInHeads(headA >> 16, headB >> 16, *wide)) {
-        status = 0;
-        return signOf(difference);
-      }
-    }
-    return compareWideHeads<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const ByteWeights* bytes = usualByteWeights(codes);
+  const WideWeights* units = bytes == nullptr && lowCode(format) != kBigEndian ? usualWideWeights(codes) : nullptr;
+  std::int32_t difference = 0;
+  if (bytes != nullptr) {
+    difference = differenceInHeads(headA >> 16, headB >> 16, *bytes);
+  } else if (units != nullptr) {
+    difference = differenceInHeads(headA >> 16, headB >> 16, *units);
   }
-  const std::int32_t difference = differenceInHeads(headA >> 16, headB >> 16, *table);
-  if (difference == 0) return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
-  status = 0;
-  return signOf(difference);
+  if (difference != 0) {
+    status = 0;
+    return signOf(difference);
+  }
+  if (bytes == nullptr) return compareWideHeads<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
 }
 
 #define KT_INSTANTIATE(Kind)                                                                                    \
