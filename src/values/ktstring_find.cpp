@@ -52,6 +52,13 @@ bool appendPart(KtString& target, const KtString& source, unsigned long from, un
   return kt::append(target, source.buffer + from * source.CharSize(), source.codeSet, end - from);
 }
 
+template <class Char>
+KtString& replaceCharacters(KtString& s, Char from, Char to, unsigned short pos) {
+  const KtString pattern(from), replacement(to);
+  const bool isMade = to == 0 || !replacement.IsEmpty();  // else replacing would delete
+  return isMade ? s.ReplaceAll(pattern, replacement, pos) : s;
+}
+
 }  // namespace
 
 int KtString::Find(const KtString& pattern, unsigned short pos, unsigned short cmpOp) const {
@@ -86,11 +93,11 @@ KtString& KtString::ReplaceAll(const KtString& from, const KtString& to, unsigne
 }
 
 KtString& KtString::ReplaceAll(char from, char to, unsigned short pos) {
-  return ReplaceAll(KtString(from), KtString(to), pos);
+  return replaceCharacters(*this, from, to, pos);
 }
 
 KtString& KtString::ReplaceAll(unsigned short from, unsigned short to, unsigned short pos) {
-  return ReplaceAll(KtString(from), KtString(to), pos);
+  return replaceCharacters(*this, from, to, pos);
 }
 
 int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos) {
