@@ -95,7 +95,7 @@ if(KTTM_NATIVE64)
                    $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)
 endif()
 
-# What loading costs is measured where nothing but the libraries counts.
+# What loading costs is measured where nothing but the libraries counts: not under a sanitizer or an emulator.
 if(KTTM_NATIVE64 AND NOT KTTM_SANITIZE AND NOT KTTM_COVERAGE AND CMAKE_SYSTEM_NAME STREQUAL Linux)
   add_executable(startup_cost "${PROJECT_SOURCE_DIR}/tests/startup/startup_cost.cpp")
   kttm_use_flags(startup_cost FAST_BUILD)

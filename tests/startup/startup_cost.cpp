@@ -1,12 +1,13 @@
 // startup_cost library: what it costs a process to load kttm, with ktbs and ktin, and to attach to it.
 //
-// Prints the time, the median of fresh processes, and the private memory of this process; fails above the limit of memory.
-// The limit of time is only told: it depends on what else the machine does.
+// Prints the time, the least and the median of fresh processes, and the private memory of this process; fails above the limit
+// of memory, or when the least time, which other work on the machine disturbs least, is above the limit of time.
 #include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -16,8 +17,12 @@
 namespace {
 
 constexpr long kMostMemory = 1024;  // KiB
+#ifdef __OPTIMIZE__
 constexpr double kMostTime = 1000;  // microseconds
-constexpr int kProcesses = 25;
+#else
+constexpr double kMostTime = 10000;  // of libraries that the compiler did not optimise: only a gross loss shows
+#endif
+constexpr int kProcesses = 101;
 
 // KiB of this process that no other shares: all of them, and those that stand in no file.
 struct Memory {
@@ -68,11 +73,12 @@ double timeInProcess(const char* library) {
   return answer;
 }
 
-double medianTime(const char* library) {
-  double times[kProcesses];
-  for (double& time : times) time = timeInProcess(library);
-  std::sort(times, times + kProcesses);
-  return times[kProcesses / 2];
+// Of that many processes, in ascending order.
+std::array<double, kProcesses> times(const char* library) {
+  std::array<double, kProcesses> all;
+  for (double& time : all) time = timeInProcess(library);
+  std::sort(all.begin(), all.end());
+  return all;
 }
 
 }  // namespace
@@ -82,7 +88,7 @@ int main(int argc, char** argv) {
     std::fputs("startup_cost library\n", stderr);
     return 2;
   }
-  const double time = medianTime(argv[1]);
+  const auto all = times(argv[1]);
   privateMemory();  // so that reading is paid for
   const Memory before = privateMemory();
   if (attach(argv[1]) == nullptr) {
@@ -91,8 +97,9 @@ int main(int argc, char** argv) {
   }
   const Memory after = privateMemory();
   const long taken = after.all - before.all;
-  std::printf("time    %6.0f us   (limit %.0f, not checked)\n", time, kMostTime);
+  std::printf("time    %6.0f us   (limit %.0f; median %.0f)\n", all.front(), kMostTime, all[kProcesses / 2]);
   std::printf("memory  %6ld KiB  (limit %ld; %ld KiB of it in no file)\n", taken, kMostMemory,
               after.anonymous - before.anonymous);
-  return before.all > 0 && taken <= kMostMemory ? 0 : 1;
+  const bool isSoon = all.front() > 0 && all.front() <= kMostTime;
+  return isSoon && before.all > 0 && taken <= kMostMemory ? 0 : 1;
 }
