@@ -174,9 +174,7 @@ struct Operation {
   void (*run)(Scene& s);
 };
 
-void store(Scene& s, unsigned char format) {
-  s.mgr.Store(s.row.id, s.stored.data(), s.source.get(), format, s.count);
-}
+void store(Scene& s, unsigned char format) { s.mgr.Store(s.row.id, s.stored.data(), s.source.get(), format, s.count); }
 
 void evaluate(Scene& s, KtIdxBounds* range, void* key, unsigned char format) {
   for (unsigned short i = 0; i < kAllFlags; ++i) {
