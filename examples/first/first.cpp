@@ -23,5 +23,4 @@ int main() {
 
   mgr.Delete(id, values, 2);
   ___KtTypemgrContext(0);
-  return 0;
 }
