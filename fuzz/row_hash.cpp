@@ -87,9 +87,10 @@ unsigned short equality(const RowCase& c) {
 }
 
 void requireEqualHashes(const RowCase& c, const Values& values) {
-  for (unsigned long i = 1; i < values.count(); ++i) {
-    void* const a = values.at(0);
-    void* const b = values.at(i);
+  const unsigned long count = values.count();
+  for (unsigned long pair = 0; pair < count * count; ++pair) {
+    void* const a = values.at(pair / count);
+    void* const b = values.at(pair % count);
     if (isNaN(c, a) || isNaN(c, b) || mayHashApart(c, a, b)) continue;
     if (c.manager->Cmp(c.id, a, b, equality(c), 1, kMemory) != 0) continue;
     int status = 0;
