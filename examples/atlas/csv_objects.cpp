@@ -16,8 +16,8 @@ bool readCells(examples::CsvReader& reader, const std::string& file, unsigned lo
                std::vector<std::string>& cells) {
   try {
     return reader.next(cells);
-  } catch (const std::runtime_error&) {
-    throw Mistake(file + ":" + std::to_string(line) + ": a quote is not closed");
+  } catch (const std::runtime_error& damage) {
+    throw Mistake(file + ":" + std::to_string(line) + ": " + damage.what());
   }
 }
 

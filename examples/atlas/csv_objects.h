@@ -29,7 +29,6 @@ private:
   void findColumns();
   void fill(std::size_t field, const std::string& text);
   void refer(std::size_t field, const std::string& text);
-  std::string place(std::size_t field) const;
 
   const Database* database_;
   std::string file_;

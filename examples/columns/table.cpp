@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <numeric>
 
 namespace {
@@ -34,20 +33,10 @@ std::vector<std::size_t> findColumns(const std::vector<std::string>& header, con
   return positions;
 }
 
-std::vector<std::vector<std::string>> readRecords(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw std::runtime_error(file + ": cannot be read");
-  examples::CsvReader reader(in);
-  std::vector<std::vector<std::string>> records;
-  for (std::vector<std::string> fields; reader.next(fields);) records.push_back(fields);
-  if (records.size() < 2) throw std::runtime_error(file + ": holds no rows");
-  return records;
-}
-
 }  // namespace
 
 Table::Table(KtTypeMgr& mgr, const std::string& file, const std::vector<Column>& schema) : schema_(schema) {
-  const auto records = readRecords(file);
+  const auto records = examples::readCsvFile(file);
   const auto positions = findColumns(records.front(), schema, file);
   const unsigned long rows = records.size() - 1;
   for (std::size_t c = 0; c < schema.size(); ++c) {

@@ -2,7 +2,6 @@
 
 #include "../../common/csv.h"
 
-#include <fstream>
 #include <map>
 #include <random>
 
@@ -38,13 +37,7 @@ Day anyDay(Random& random) {
 }  // namespace
 
 Places makePlaces(const std::string& folder, std::size_t count, unsigned seed) {
-  const std::string file = folder + "/cities.csv";
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw std::runtime_error(file + ": cannot be read");
-  examples::CsvReader reader(in);
-  std::vector<std::vector<std::string>> cities;
-  for (std::vector<std::string> fields; reader.next(fields);) cities.push_back(fields);
-  if (cities.size() < 2) throw std::runtime_error(file + ": holds no rows");
+  const auto cities = examples::readCsvFile(folder + "/cities.csv");
   Places made;
   std::map<std::string, unsigned> countries;
   Random random(seed);

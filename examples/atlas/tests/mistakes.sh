@@ -24,6 +24,7 @@ printf '%s\n"A\nB",CN,1,2,3\nC,CN,1,north,3\n' "$head" | try '4: column latitude
 printf '%s\nA,CN,1,2\n' "$head" | try '2: the row has 4 columns'
 printf '%s\n\377,CN,1,2,3\n' "$head" | try '2: column name: the text is not UTF-8'
 printf '%s\n"A,CN,1,2,3\n' "$head" | try '2: a quote is not closed'
+printf '%s\n"A"B,CN,1,2,3\n' "$head" | try '2: text stands behind a closed quote'
 printf 'name,country,latitude,longitude\nA,CN,1,2\n' | try '1: there is no column "population"'
 printf 'cca3,date,what\nCHN,1949-13-01,x\n' | try '2: column date: KtDate cannot read "1949-13-01"' founding
 printf 'cca3,date,what\nCHN,yesterday,x\n' | try '2: column date' founding
