@@ -6,23 +6,23 @@ cp "$dir/text.atlas" "$dir/text.copy"
 : >"$dir/empty.atlas"
 for command in check "load $data/cities.csv" "fill 5" "show 1"; do
   # shellcheck disable=SC2086
-  expect 3 "is no atlas database" "$atlas" --db "$dir/text.atlas" $command
+  refuse 3 "is no atlas database" "$atlas" --db "$dir/text.atlas" $command
 done
 cmp -s "$dir/text.atlas" "$dir/text.copy" || fail "a foreign file was changed"
 [ -e "$dir/text.atlas-lock" ] && fail "a lock beside a foreign file"
-expect 3 "there is no database" "$atlas" --db "$dir/empty.atlas" check
+refuse 3 "there is no database" "$atlas" --db "$dir/empty.atlas" check
 
 # A map too small for a file: what was committed before is there, and more room lets the load go on.
 "$atlas" load "$data/countries.csv" >/dev/null || fail "load"
-expect 4 "more room by --map-size" "$atlas" --map-size 2MB load --every 1000 "$data/cities.csv"
+refuse 4 "more room by --map-size" "$atlas" --map-size 2MB load --every 1000 "$data/cities.csv"
 expect 0 "sound:" "$atlas" check
 expect 0 "rows were there already, going on" "$atlas" load "$data/cities.csv"
 expect 0 "sound: 25,250 objects" "$atlas" check
-expect 4 "more room by --map-size" "$atlas" --map-size 1MB fill 100000 --every 0
+refuse 4 "more room by --map-size" "$atlas" --map-size 1MB fill 100000 --every 0
 expect 0 "sound: 25,250 objects" "$atlas" check
 
 # The disk is full: as large a file as the shell allows.
-(ulimit -f 400 && expect 4 "the disk is full" "$atlas" --db "$dir/full.atlas" load "$data/countries.csv" "$data/cities.csv"
+(ulimit -f 400 && refuse 4 "the disk is full" "$atlas" --db "$dir/full.atlas" load "$data/countries.csv" "$data/cities.csv"
   finish) || fail "a full disk"
 expect 0 "sound: 250 objects" "$atlas" --db "$dir/full.atlas" check
 

@@ -1,8 +1,8 @@
 # What cannot be read is refused with its place, and nothing changes.
 . "$(dirname "$0")/common.sh"
 
-expect 3 "there is no database" "$atlas" check
-expect 2 "cannot be read" "$atlas" load "$dir/none.csv"
+refuse 3 "there is no database" "$atlas" check
+refuse 2 "cannot be read" "$atlas" load "$dir/none.csv"
 [ -e "$ATLAS_DB" ] && fail "a missing file left a database behind"
 "$atlas" load "$data/countries.csv" >/dev/null || fail "load"
 before=$("$atlas" dump | cksum)
@@ -10,9 +10,9 @@ before=$("$atlas" dump | cksum)
 # try LINE-AND-REASON < a file of cities, in one transaction and in several
 try() {
   cat >"$dir/bad.csv"
-  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" "$dir/bad.csv"
-  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 0 "$dir/bad.csv"
-  expect 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 1 "$dir/bad.csv"
+  refuse 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" "$dir/bad.csv"
+  refuse 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 0 "$dir/bad.csv"
+  refuse 2 "bad.csv:$1" "$atlas" load --class "${2:-city}" --every 1 "$dir/bad.csv"
 }
 
 head='name,country,population,latitude,longitude'
@@ -29,19 +29,19 @@ printf 'name,country,latitude,longitude\nA,CN,1,2\n' | try '1: there is no colum
 printf 'cca3,date,what\nCHN,1949-13-01,x\n' | try '2: column date: KtDate cannot read "1949-13-01"' founding
 printf 'cca3,date,what\nCHN,yesterday,x\n' | try '2: column date' founding
 printf 'a,b\n1,2\n' >"$dir/bad.csv"
-expect 2 'bad.csv:1: no class has these columns' "$atlas" load "$dir/bad.csv"
-expect 2 'there is no class "planet"' "$atlas" load --class planet "$data/cities.csv"
-expect 2 'there is no class "planet"' "$atlas" dump --class planet
-expect 2 'there is no object 251' "$atlas" show 251
-expect 2 'is no object id' "$atlas" show 1x
+refuse 2 'bad.csv:1: no class has these columns' "$atlas" load "$dir/bad.csv"
+refuse 2 'there is no class "planet"' "$atlas" load --class planet "$data/cities.csv"
+refuse 2 'there is no class "planet"' "$atlas" dump --class planet
+refuse 2 'there is no object 251' "$atlas" show 251
+refuse 2 'is no object id' "$atlas" show 1x
 
 # NaN is equal to every number: no index can place it.
 printf 'class point 1\nfield x double index\n' >"$dir/nan.schema"
 printf 'x\n1\nnan\n' >"$dir/nan.csv"
-expect 2 'nan.csv:3: column x' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
+refuse 2 'nan.csv:3: column x' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
 printf 'class point 1\nfield x real index\n' >"$dir/bad.schema"
-expect 2 'line 2: there is no type "real"' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
-expect 3 'has another schema' "$atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
+refuse 2 'line 2: there is no type "real"' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
+refuse 3 'has another schema' "$atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
 
 [ "$("$atlas" dump | cksum)" = "$before" ] || fail "a refused file changed the database"
 expect 0 "sound: 250 objects" "$atlas" check
