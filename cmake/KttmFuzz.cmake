@@ -17,9 +17,13 @@ foreach(harness IN LISTS harnesses)
   endif()
 endforeach()
 
-# A harness of an example's source is linked with that source.
+# Harnesses of an example's sources are linked with those sources.
+foreach(harness predicate_text portable_stream)
+  target_include_directories(fuzz_${harness} PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas")
+endforeach()
 target_sources(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas/predicate.cpp")
-target_include_directories(fuzz_predicate_text PRIVATE "${PROJECT_SOURCE_DIR}/examples/atlas")
+target_sources(fuzz_portable_stream PRIVATE ${KTTM_ATLAS_PORTABLE_SOURCES})
+
 # Writes the first inputs of the harnesses over all rows: build it, then run `fuzz_make_seeds fuzz/corpus`.
 add_executable(fuzz_make_seeds EXCLUDE_FROM_ALL "${PROJECT_SOURCE_DIR}/fuzz/seeds/make_seeds.cpp"
                                                 "${PROJECT_SOURCE_DIR}/tests/laws/samples.cpp")

@@ -40,9 +40,9 @@ target_include_directories(kttm_samples PUBLIC "${PROJECT_SOURCE_DIR}/tests"
 file(GLOB test_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*.cpp" "${PROJECT_SOURCE_DIR}/tests/laws/laws.cpp")
 # The portable files of the example atlas are read on every host, also where LMDB and so the example itself is missing.
 list(APPEND test_sources "${PROJECT_SOURCE_DIR}/tests/atlas/portable_test.cpp")
-foreach(name portable record reading schema text value)
-  list(APPEND test_sources "${PROJECT_SOURCE_DIR}/examples/atlas/${name}.cpp")
-endforeach()
+set(KTTM_ATLAS_PORTABLE_SOURCES portable record reading schema text value)
+list(TRANSFORM KTTM_ATLAS_PORTABLE_SOURCES REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/examples/atlas/\\1.cpp")
+list(APPEND test_sources ${KTTM_ATLAS_PORTABLE_SOURCES})
 if(test_sources)
   add_executable(kttm_tests ${test_sources})
   kttm_use_flags(kttm_tests FAST_BUILD)
