@@ -2,6 +2,7 @@
 #include "cli.h"
 #include "progress.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace atlas {
@@ -9,18 +10,19 @@ namespace {
 
 class Check {
 public:
-  explicit Check(const Database& database) : database_(database) {}
+  explicit Check(const Database& database) : database_(database) {
+    for (const ClassSchema& cls : database.schema().classes()) drafts_.emplace_back(cls);
+  }
 
   // The number of differences; each is printed.
   unsigned long long run() {
     std::vector<unsigned long long> counts(database_.schema().classes().size());
     ObjectScan scan = database_.objects();
-    guarded("the objects", [&] {
-      while (scan.next()) {
-        ++counts[scan.record().cls().place];
-        checkObject(scan.record());
-      }
-    });
+    while (next(scan)) {
+      const Record& record = scan.record();
+      ++counts[record.cls().place];
+      guarded(nameOf(record), [&] { checkObject(record); });
+    }
     for (const ClassSchema& cls : database_.schema().classes()) checkCount(cls, counts[cls.place]);
     for (const auto& index : database_.indexes()) {
       guarded("the index " + index->name(), [&] { checkIndex(*index); });
@@ -44,13 +46,24 @@ private:
     }
   }
 
+  // Reports and leaves out what cannot be read.
+  bool next(ObjectScan& scan) {
+    for (;;) {
+      try {
+        return scan.next();
+      } catch (const Error& error) {
+        report(error.what());
+      }
+    }
+  }
+
   static std::string nameOf(const Record& record) {
     return record.cls().name + " " + std::to_string(numberOf(record.id()));
   }
 
-  void checkCount(const ClassSchema& cls, unsigned long long counted) {
-    if (counted == database_.count(cls)) return;
-    report("there are " + grouped(counted) + " objects of class " + cls.name + ", counted were " +
+  void checkCount(const ClassSchema& cls, unsigned long long found) {
+    if (found == database_.count(cls)) return;
+    report("there are " + grouped(found) + " objects of class " + cls.name + ", counted were " +
            grouped(database_.count(cls)));
   }
 
@@ -59,21 +72,25 @@ private:
     last_ = numberOf(record.id());
     for (std::size_t i = 0; i < record.cls().fields.size(); ++i) {
       const Field& field = record.cls().fields[i];
+      checkField(record, i);
       const Index* index = database_.index(record.cls(), field);
       if (index != nullptr && !index->has(storedKey(field.type, record.fieldBytes(i)), record.id())) {
         report(nameOf(record) + " is not in the index " + index->name());
       }
-      if (field.references) checkReference(record, i);
     }
   }
 
-  void checkReference(const Record& record, std::size_t i) {
+  // A value must be stored again as it was, and a reference lead to an object.
+  void checkField(const Record& record, std::size_t i) {
     const Field& field = record.cls().fields[i];
-    KtRef ref;
-    manager().Load(field.type, &ref, record.fieldBytes(i).address(), kStored, 1);
-    if (ref.IsNullValue() != 0) return;
-    const std::optional<Record> target = database_.find({ref.block, ref.low, ref.high});
-    if (!target || target->cls().place != field.references->cls) {
+    const Bytes stored = record.fieldBytes(i);
+    Value& value = drafts_[record.cls().place][i];
+    value.load(stored);
+    const Buffer again = value.stored();
+    if (!std::equal(again.begin(), again.end(), stored.data, stored.data + stored.size)) {
+      report(nameOf(record) + ": its " + field.name + " is no value of " + field.typeName);
+    }
+    if (field.references && !value.isNull() && !database_.follow(field, stored)) {
       report(nameOf(record) + ": its " + field.name + " leads nowhere");
     }
   }
@@ -85,11 +102,11 @@ private:
       const Bytes key = scan.key();
       if (!before.empty() && index.compareKeys(before, key) > 0) report(index.name() + " is out of order");
       before.assign(key.data, key.data + key.size);
-      checkEntry(index, scan);
+      guarded("the index " + index.name(), [&] { checkEntry(index, scan); });
     }
     if (index.entries() != database_.count(index.cls())) {
       report(index.name() + " has " + grouped(index.entries()) + " entries for " +
-             grouped(database_.count(index.cls())) + " objects");
+             counted(database_.count(index.cls()), "object"));
     }
   }
 
@@ -106,6 +123,7 @@ private:
   }
 
   const Database& database_;
+  std::vector<Draft> drafts_;  // one for each class
   ObjectNumber last_ = 0;
   unsigned long long damages_ = 0;
 };
@@ -113,11 +131,11 @@ private:
 void run(const Globals& globals) {
   const auto database = Database::openForReading(globals.open());
   const unsigned long long damages = Check(*database).run();
-  if (damages != 0) throw Error(kExitDamage, "the database is damaged in " + grouped(damages) + " places");
+  if (damages != 0) throw Error(kExitDamage, "the database is damaged in " + counted(damages, "place"));
   unsigned long long objects = 0, entries = 0;
   for (const ClassSchema& cls : database->schema().classes()) objects += database->count(cls);
   for (const auto& index : database->indexes()) entries += index->entries();
-  std::printf("sound: %s objects, %s index entries\n", grouped(objects).c_str(), grouped(entries).c_str());
+  std::printf("sound: %s, %s index entries\n", counted(objects, "object").c_str(), grouped(entries).c_str());
 }
 
 }  // namespace

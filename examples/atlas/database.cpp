@@ -24,6 +24,15 @@ unsigned long blockNumber(const MDB_val& key) {
   throw Error(kExitDatabase, "\"" + env.file() + "\" " + why);
 }
 
+// What was parsed when the database was made is damaged when it can no longer be.
+Schema schemaIn(const Env& env, const Meta& meta) {
+  try {
+    return Schema::parse(meta.get("schema"), "the schema in \"" + env.file() + "\" is damaged");
+  } catch (const Mistake& mistake) {
+    throw Error(kExitBroken, mistake.what());
+  }
+}
+
 }  // namespace
 
 struct Database::Parts {
@@ -68,9 +77,9 @@ void Database::Parts::recognise(const OpenOptions& options) {
   const std::string format = meta->find("format").value_or("");
   if (format.rfind("atlas ", 0) != 0) refuse(env, "is no atlas database");
   if (format != kFormatVersion) refuse(env, "has the format \"" + format + "\"; this program knows " + kFormatVersion);
-  schema = Schema::parse(meta->get("schema"), "the schema in \"" + env.file() + "\"");
+  schema = schemaIn(env, *meta);
   counters = meta->counters(schema);
-  language = static_cast<unsigned char>(std::stoi(meta->get("language")));
+  language = static_cast<unsigned char>(meta->number("language", 0xFF));
   if (options.language && *options.language != language) {
     refuse(env, "was made in the language " + languageName(language) + ", not " + languageName(*options.language));
   }
@@ -160,7 +169,9 @@ bool Database::Parts::readBlock(unsigned long id, Block& block) const {
   auto number = static_cast<BlockId>(id);
   manager().Store(KT_ID_BlockId, key, &number, kStored, 1);
   MDB_val keyVal = valOf(Bytes(key, sizeof key)), data;
-  if (mdb_get(txn.get(), objects, &keyVal, &data) != MDB_SUCCESS) return false;
+  const int result = mdb_get(txn.get(), objects, &keyVal, &data);
+  if (result == MDB_NOTFOUND) return false;
+  checkLmdb(result, "read a block");
   block = Block(id, bytesOf(data));
   return true;
 }
@@ -173,9 +184,21 @@ std::optional<Record> Database::find(ObjId id) const {
   return Record(*cls, id, block.object(static_cast<unsigned>(numberOf(id) - block.first())));
 }
 
+std::optional<Record> Database::follow(const Field& field, Bytes stored) const {
+  if (!field.references) return std::nullopt;
+  KtRef reference;
+  manager().Load(field.type, &reference, stored.address(), kStored, 1);
+  if (reference.IsNullValue() != 0) return std::nullopt;
+  std::optional<Record> target = find({reference.block, reference.low, reference.high});
+  if (target && target->cls().place != field.references->cls) target.reset();
+  return target;
+}
+
 Record Database::get(ObjId id) const {
   std::optional<Record> record = find(id);
-  if (!record) throw Error(kExitBroken, "there is no object " + std::to_string(numberOf(id)));
+  if (!record) {
+    throw Error(kExitBroken, "the database is damaged: there is no object " + std::to_string(numberOf(id)));
+  }
   return *record;
 }
 
@@ -245,12 +268,18 @@ ObjectScan::ObjectScan(const Database& database, const ClassSchema* cls)
     : database_(&database), class_(cls), cursor_(database.parts_->txn, database.parts_->objects) {}
 
 bool ObjectScan::nextBlock() {
-  MDB_val key, data;
-  while (cursor_.move(MDB_NEXT, key, data)) {
-    block_ = Block(blockNumber(key), bytesOf(data));
-    blockClass_ = database_->schema().byNumber(block_.classNumber());
-    if (blockClass_ == nullptr) throw Error(kExitBroken, "a block is of no class");
+  while (!isOver_) {
+    MDB_val key, data;
+    isOver_ = true;  // when the cursor throws, too
+    if (!cursor_.move(MDB_NEXT, key, data)) break;
+    isOver_ = false;
+    const Block block(blockNumber(key), bytesOf(data));
+    blockClass_ = database_->schema().byNumber(block.classNumber());
+    if (blockClass_ == nullptr) {
+      throw Error(kExitBroken, "block " + std::to_string(blockNumber(key)) + " is of no class");
+    }
     if (class_ != nullptr && class_ != blockClass_) continue;
+    block_ = block;
     at_ = 0;
     return true;
   }
@@ -259,8 +288,8 @@ bool ObjectScan::nextBlock() {
 
 bool ObjectScan::next() {
   if (at_ == block_.count() && !nextBlock()) return false;
-  record_.emplace(*blockClass_, block_.id(at_), block_.object(at_));
-  ++at_;
+  const unsigned at = at_++;
+  record_.emplace(*blockClass_, block_.id(at), block_.object(at));
   return true;
 }
 

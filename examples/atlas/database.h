@@ -21,10 +21,11 @@ struct OpenOptions {
   std::optional<unsigned char> language;  // of names: of a new database, or the one that the database must have
 };
 
-// Walks the objects of a class in the order of their ids.
+// Walks the objects of a class, or all, in the order of their ids.
 class ObjectScan {
 public:
-  bool next();  // false at the end
+  // False at the end. Throws Error at a block or an object that is damaged, and goes on behind it when called again.
+  bool next();
   // Valid until the next call.
   const Record& record() const { return *record_; }
 
@@ -38,7 +39,8 @@ private:
   const ClassSchema* blockClass_ = nullptr;
   Cursor cursor_;
   Block block_;
-  unsigned at_ = 0;  // of the next object in the block
+  unsigned at_ = 0;      // of the next object in the block
+  bool isOver_ = false;  // there is no other block
   std::optional<Record> record_;
 };
 
@@ -61,6 +63,9 @@ public:
   // Valid while the transaction is. Throws Error when there is no such object.
   Record get(ObjId id) const;
   std::optional<Record> find(ObjId id) const;
+  // The object that a stored value of a field refers to; nothing where the field is no reference, the value is null, or
+  // no object of the right class is there.
+  std::optional<Record> follow(const Field& field, Bytes stored) const;
   // The id of an object by its number alone, with the block that holds it; null: none.
   ObjId idOf(unsigned long long number) const;
   ObjectScan objects(const ClassSchema* cls = nullptr) const;

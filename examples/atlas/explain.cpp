@@ -8,12 +8,10 @@
 namespace atlas {
 
 std::string storedText(const Database& database, const Field& field, Bytes stored) {
+  if (const std::optional<Record> target = database.follow(field, stored)) return target->text(field.references->field);
   Value value(field.type);
   value.load(stored);
-  if (!field.references || value.isNull()) return value.text(field);
-  const KtRef& reference = *static_cast<const KtRef*>(value.data());
-  const std::optional<Record> target = database.find(KtObjId(reference.block, reference.low, reference.high));
-  return target ? target->text(field.references->field) : value.text(field);
+  return value.text(field);
 }
 
 std::string fieldText(const Database& database, const Record& record, std::size_t field) {

@@ -85,7 +85,7 @@ unsigned long long writeAll(const Database& database, NewFile& file) {
   }
   writer.end();
   if (done == total) return total;
-  throw Error(kExitBroken, "the database counts " + std::to_string(total) + " objects and has " + std::to_string(done));
+  throw Error(kExitBroken, "the database counts " + counted(total, "object") + " and has " + grouped(done));
 }
 
 void run(const std::string& target, const Globals& globals) {
@@ -93,7 +93,7 @@ void run(const std::string& target, const Globals& globals) {
   NewFile file(target);
   const unsigned long long objects = writeAll(*database, file);
   file.finish();
-  std::printf("%s: %s objects\n", target.c_str(), grouped(objects).c_str());
+  std::printf("%s: %s\n", target.c_str(), counted(objects, "object").c_str());
 }
 
 }  // namespace

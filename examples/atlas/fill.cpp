@@ -88,7 +88,7 @@ void run(const Options& options, const Globals& globals) {
   database->commit();
   const double seconds = progress.seconds();
   std::printf(
-      "%s objects of class %s in %.2f s, %s a second; the database has %s\n", grouped(options.count).c_str(),
+      "%s of class %s in %.2f s, %s a second; the database has %s\n", counted(options.count, "object").c_str(),
       cls->name.c_str(), seconds,
       grouped(static_cast<unsigned long long>(static_cast<double>(options.count) / std::max(seconds, 1e-9))).c_str(),
       grouped(database->count(*cls)).c_str());

@@ -75,7 +75,7 @@ void run(const std::string& source, const Globals& globals) {
   Leftover leftover(globals.file);
   restoreAll(reader, globals, objects);
   leftover.keep();
-  std::printf("%s: %s objects\n", source.c_str(), grouped(objects).c_str());
+  std::printf("%s: %s\n", source.c_str(), counted(objects, "object").c_str());
 }
 
 }  // namespace

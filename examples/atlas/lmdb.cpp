@@ -1,8 +1,11 @@
 #include "lmdb.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <set>
@@ -12,20 +15,41 @@ namespace {
 
 constexpr unsigned kMostTrees = 256;
 constexpr mdb_mode_t kFileMode = 0644;
-constexpr unsigned long kPageHeader = 16;
-constexpr std::uint32_t kMagic = 0xBEEFC0DE;  // DISK: LMDB's, behind the header of the first page
 constexpr unsigned kMetaPages = 2;
+// DISK: what LMDB writes into the first page.
+constexpr unsigned long kMagicAt = 16;
+constexpr std::uint32_t kMagic = 0xBEEFC0DE;
+constexpr unsigned long kPageSizeAt = 40;
+constexpr std::uint32_t kLeastPage = 512, kGreatestPage = 65536;
 
 std::string quoted(const std::string& file) { return "\"" + file + "\""; }
 
-// Without touching anything: LMDB would leave a lock file even beside a file that is not its own.
+bool isPageSize(std::uint32_t size) { return size >= kLeastPage && size <= kGreatestPage && (size & (size - 1)) == 0; }
+
+// A number of the file; 0 behind its end.
+std::uint32_t numberAt(std::istream& in, unsigned long at) {
+  std::uint32_t number = 0;
+  in.seekg(static_cast<std::streamoff>(at));
+  in.read(reinterpret_cast<char*>(&number), sizeof number);
+  return in ? number : 0;
+}
+
+// Without touching anything: LMDB would leave a lock file even beside a file that is not its own. It divides by the page
+// size, whatever that is, and takes it from the one or the other of its two first pages.
 void checkLooksLikeLmdb(const std::string& file) {
   std::ifstream in(file, std::ios::binary);
-  unsigned char page[kPageHeader + sizeof kMagic];
-  in.read(reinterpret_cast<char*>(page), sizeof page);
-  std::uint32_t magic = 0;
-  std::memcpy(&magic, page + kPageHeader, sizeof magic);
-  if (!in || magic != kMagic) throw Error(kExitDatabase, quoted(file) + " is no atlas database");
+  if (!in) throw Error(kExitBroken, "cannot open " + quoted(file) + ": " + std::strerror(errno));
+  if (numberAt(in, kMagicAt) != kMagic) throw Error(kExitDatabase, quoted(file) + " is no atlas database");
+  const std::uint32_t pageSize = numberAt(in, kPageSizeAt);
+  if (isPageSize(pageSize) && numberAt(in, pageSize + kPageSizeAt) == pageSize) return;
+  throw Error(kExitBroken, quoted(file) + " is truncated or damaged: its first pages do not tell the page size");
+}
+
+// LMDB ends the process when it finds its pages damaged; what it calls does not come back.
+void answerFailedAssertion(MDB_env*, const char* what) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "atlas: the database is damaged; restore it from a copy (%s)\n", what);
+  _exit(kExitBroken);
 }
 
 unsigned long long sizeOf(const std::string& file) {
@@ -96,6 +120,7 @@ Env::Env(const Options& options) : file_(options.file) {
   MDB_env* env = nullptr;
   checkLmdb(mdb_env_create(&env), "begin");
   env_.reset(env);
+  checkLmdb(mdb_env_set_assert(env, answerFailedAssertion), "begin");
   MDB_stat page;
   checkLmdb(mdb_env_set_maxdbs(env, kMostTrees), "begin");
   if (options.mapSize != 0) checkLmdb(mdb_env_set_mapsize(env, options.mapSize), "set the map size");
@@ -154,6 +179,7 @@ bool Cursor::move(MDB_cursor_op op, MDB_val& key, MDB_val& data) {
   const int result = mdb_cursor_get(cursor_.get(), &key, &data, op);
   if (result == MDB_NOTFOUND) return false;
   checkLmdb(result, "read");
+  if (key.mv_size == 0) throw Error(kExitBroken, "the database is damaged: an entry has no key");
   return true;
 }
 

@@ -86,7 +86,7 @@ private:
       std::printf("%s: all %s rows are there already\n", file_.c_str(), grouped(before_).c_str());
       return;
     }
-    std::printf("%s: %s objects of class %s in %.2f s; the database has %s\n", file_.c_str(), grouped(added_).c_str(),
+    std::printf("%s: %s of class %s in %.2f s; the database has %s\n", file_.c_str(), counted(added_, "object").c_str(),
                 name.c_str(), seconds, grouped(database_.count(rows.cls())).c_str());
   }
 

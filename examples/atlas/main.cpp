@@ -1,12 +1,14 @@
 // atlas - a small object database of the world: objects of typed fields in one LMDB file, indexed and compared through
 // the type manager alone.
 #include "cli.h"
+#include "utf8_width.h"
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -16,15 +18,27 @@ const char kExits[] =
     "of\n"
     "another format, schema or language), 4 the map or the disk is full, 5 the file is broken or cannot be used.";
 
+template <std::size_t kSize>
+[[noreturn]] void stop(const char (&message)[kSize]) {
+  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, kSize - 1);
+  _exit(atlas::kExitBroken);
+}
+
 // Pages that the file has lost, and disks that fail, show when they are read through the map.
 void answerBusError(int) {
-  static const char kMessage[] = "atlas: the database cannot be read: its file is truncated, or the disk has failed\n";
-  const ssize_t written = write(STDERR_FILENO, kMessage, sizeof kMessage - 1);
-  _exit(written < 0 ? atlas::kExitBroken : static_cast<int>(atlas::kExitBroken));
+  stop("atlas: the database cannot be read: its file is truncated, or the disk has failed\n");
+}
+
+// LMDB goes where the numbers in its pages lead.
+void answerSegmentationFault(int) {
+  stop("atlas: memory was used that is not there: the database is damaged, or atlas has an error\n");
 }
 
 void setSignals() {
   std::signal(SIGBUS, answerBusError);
+#ifndef __SANITIZE_ADDRESS__  // which says more
+  std::signal(SIGSEGV, answerSegmentationFault);
+#endif
   std::signal(SIGXFSZ, SIG_IGN);  // a limit of the file size is an error of writing
 }
 
@@ -43,9 +57,16 @@ void addCommands(CLI::App& app, const atlas::Globals& globals) {
   atlas::addImport(app, globals);
 }
 
-int fail(int code, const char* message) {
+// Messages quote what was read, which may be any bytes.
+int fail(int code, const std::string& message) {
   std::fflush(stdout);
-  std::fprintf(stderr, "atlas: %s\n", message);
+  std::string shown;
+  for (std::size_t at = 0; at <= message.size();) {
+    const std::size_t end = std::min(message.find('\n', at), message.size());
+    shown += atlas::printable(std::string_view(message).substr(at, end - at)) + "\n";
+    at = end + 1;
+  }
+  std::fprintf(stderr, "atlas: %s", shown.c_str());
   return code;
 }
 
@@ -65,7 +86,8 @@ int run(int argc, char** argv) {
     if (error.get_exit_code() == 0) return app.exit(error);  // help
     return fail(atlas::kExitMistake, error.what());
   }
-  return std::fflush(stdout) == 0 ? atlas::kExitDone : fail(atlas::kExitBroken, "cannot write to standard output");
+  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  return isWritten ? atlas::kExitDone : fail(atlas::kExitBroken, "cannot write to standard output");
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
 #include "meta.h"
 
 #include <charconv>
+#include <limits>
 #include <sstream>
 
 namespace atlas {
 namespace {
+
+constexpr unsigned long long kMostObjects = 0xFFFFFFFFFFFF;  // a number has 48 bits
+constexpr unsigned long long kMostBlocks = std::numeric_limits<BlockId>::max();
 
 Bytes bytesOfText(const std::string& text) { return {text.data(), text.size()}; }
 
@@ -27,21 +31,23 @@ void Meta::set(const std::string& name, const std::string& text) {
   Cursor(*txn_, tree_).put(bytesOfText(name), bytesOfText(text), 0);
 }
 
-unsigned long long Meta::number(const std::string& name) const {
+unsigned long long Meta::number(const std::string& name, unsigned long long most) const {
   const std::string text = get(name);
   unsigned long long value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
-    throw Error(kExitBroken, "\"" + name + "\" of the database is no number");
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size() || value > most) {
+    throw Error(kExitBroken, "\"" + name + "\" of the database is no number that it can be");
   }
   return value;
 }
 
 Counters Meta::counters(const Schema& schema) const {
   Counters counters;
-  counters.nextObject = number("next object");
-  counters.nextBlock = static_cast<unsigned long>(number("next block"));
-  for (const ClassSchema& cls : schema.classes()) counters.objects.push_back(number("count " + cls.name));
+  counters.nextObject = number("next object", kMostObjects);
+  counters.nextBlock = static_cast<unsigned long>(number("next block", kMostBlocks));
+  for (const ClassSchema& cls : schema.classes()) {
+    counters.objects.push_back(number("count " + cls.name, kMostObjects));
+  }
   return counters;
 }
 

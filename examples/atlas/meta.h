@@ -16,8 +16,10 @@ class Meta {
 public:
   Meta(const Txn& txn, Tree tree) : txn_(&txn), tree_(tree) {}
 
+  // All but find throw Error(kExitBroken) when the database does not say it, or what it says cannot be.
   std::optional<std::string> find(const std::string& name) const;
-  std::string get(const std::string& name) const;  // throws Error(kExitBroken) when there is none
+  std::string get(const std::string& name) const;
+  unsigned long long number(const std::string& name, unsigned long long most) const;
   void set(const std::string& name, const std::string& text);
 
   Counters counters(const Schema& schema) const;
@@ -28,8 +30,6 @@ public:
   void setSettings(const std::string& index, const IndexSettings& settings);
 
 private:
-  unsigned long long number(const std::string& name) const;
-
   const Txn* txn_;
   Tree tree_;
 };

@@ -30,6 +30,8 @@ private:
 
 // "25,000".
 std::string grouped(unsigned long long number);
+// "1 object", "25,000 objects".
+std::string counted(unsigned long long number, const std::string& noun);
 
 }  // namespace atlas
 

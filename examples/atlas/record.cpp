@@ -1,5 +1,6 @@
 #include "record.h"
 
+#include "block.h"
 #include "error.h"
 
 namespace atlas {
@@ -17,7 +18,7 @@ Record::Record(const ClassSchema& cls, ObjId id, Bytes bytes) : class_(&cls), id
     ends[i + 1] = static_cast<unsigned>(at);
   }
   if (at != bytes.size || i != fields) {
-    throw Error(kExitBroken, "an object of the class " + cls.name + " is damaged: its fields do not fill it");
+    throw Error(kExitBroken, cls.name + " " + std::to_string(numberOf(id)) + " is damaged: its fields do not fill it");
   }
 }
 

@@ -34,15 +34,9 @@ std::string idText(ObjId id) {
 // A reference is followed: its text says the referenced object's key, too.
 std::string fieldText(const Database& database, const Record& record, std::size_t field) {
   const Field& schema = record.cls().fields[field];
-  std::string text = record.text(field);
-  if (!schema.references) return text;
-  KtRef ref;
-  manager().Load(schema.type, &ref, record.fieldBytes(field).address(), kStored, 1);
-  const std::optional<Record> target = database.find({ref.block, ref.low, ref.high});
-  if (!target) return text;
-  std::string followed = target->text(schema.references->field);
-  followed += ' ';
-  return followed.append(text);
+  const std::string text = record.text(field);
+  const std::optional<Record> target = database.follow(schema, record.fieldBytes(field));
+  return target ? target->text(schema.references->field).append(1, ' ').append(text) : text;
 }
 
 void showObject(const Database& database, const Record& record) {

@@ -38,4 +38,37 @@ for length in 1 4095 4096 8192 $((size / 2)) $((size - 4096)) $((size - 1)); do
     grep -q '^atlas: ' "$dir/out" || fail "cut to $length, $command: no message"
   done
 done
+
+# Cut while it is read: the reader waits in the middle, because nobody takes what it writes, and then finds its pages gone.
+mkfifo "$dir/pipe"
+"$atlas" dump >"$dir/pipe" 2>"$dir/err" &
+reader=$!
+exec 3<"$dir/pipe"
+head -c 100 <&3 >/dev/null
+cp "$ATLAS_DB" "$dir/whole.atlas"
+dd if=/dev/null of="$ATLAS_DB" bs=4096 seek=3 2>/dev/null
+cat <&3 >/dev/null
+exec 3<&-
+wait $reader
+code=$?
+[ $code = 5 ] || fail "cut while it is read: exit code $code"
+grep -q '^atlas: the database cannot be read: its file is truncated' "$dir/err" || fail "cut while it is read: $(cat "$dir/err")"
+
+# bent SED-SCRIPT: the database with some bytes replaced by as many others.
+bent() {
+  LC_ALL=C sed "$1" "$dir/whole.atlas" >"$dir/bent.atlas"
+  cmp -s "$dir/whole.atlas" "$dir/bent.atlas" && fail "$1 bends nothing"
+}
+bent 's/Hirosaki/Hixosaki/g'
+refuse 1 "the database is damaged in 2 places" "$atlas" --db "$dir/bent.atlas" check
+grep -q '^damaged: city [0-9]* is not in the index city.name$' "$dir/out" || fail "a bent name: $(cat "$dir/out")"
+for page in 0 1; do
+  { head -c $((page * 4096 + 41)) "$dir/whole.atlas" && printf '\0' && tail -c +$((page * 4096 + 43)) "$dir/whole.atlas"; } >"$dir/bent.atlas"
+  refuse 5 "do not tell the page size" "$atlas" --db "$dir/bent.atlas" check
+done
+bent 's/atlas 2/atlas 1/g'
+for command in check "load $data/cities.csv" "fill 5" "show 1" "export $dir/x.export"; do
+  # shellcheck disable=SC2086
+  refuse 3 'has the format "atlas 1"; this program knows atlas 2' "$atlas" --db "$dir/bent.atlas" $command
+done
 finish
