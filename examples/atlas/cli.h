@@ -18,6 +18,14 @@ struct Globals {
   OpenOptions open() const { return {.file = file, .mapSize = mapSize, .language = std::nullopt}; }
 };
 
+// For options of unsigned types, where CLI11 takes "-1" for the largest number.
+inline CLI::Validator notNegative() {
+  const auto reason = [](const std::string& text) {
+    return text.rfind('-', 0) == 0 ? "\"" + text + "\" is less than 0" : std::string();
+  };
+  return {reason, ""};
+}
+
 // Each adds its subcommand, whose work is done after all arguments are parsed.
 void addLoad(CLI::App& app, const Globals& globals);
 void addFill(CLI::App& app, const Globals& globals);

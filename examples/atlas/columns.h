@@ -7,8 +7,8 @@
 
 namespace atlas {
 
-// A column whose texts are all numbers, or the text for no value, stands to the right. The header comes once; widths only grow, so that a long
-// table can be taken in parts.
+// A column whose texts are all numbers, or the text for no value, stands to the right. The header comes once; widths only
+// grow, so that a long table can be taken in parts.
 class Columns {
 public:
   explicit Columns(const std::vector<std::string>& header, std::string noValue = {});

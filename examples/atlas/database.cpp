@@ -243,8 +243,7 @@ void Database::restore(ObjId id, const Draft& draft) {
   if (id.block != counters.nextBlock) parts_->batch->endBlock(counters);
   const bool follows = numberOf(id) == counters.nextObject && id.block == counters.nextBlock;
   if (!follows || add(draft).block != id.block) {
-    throw Mistake("the object " + std::to_string(numberOf(id)) +
-                  " cannot have its id again: it does not follow the one before");
+    throw Mistake("it cannot have its id again, which does not follow the one before");
   }
 }
 

@@ -21,6 +21,10 @@ namespace {
 class NewFile {
 public:
   explicit NewFile(const std::string& name) : name_(name), temporary_(name + ".XXXXXX") {
+    struct stat there;
+    if (stat(name.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
+      throw Error(kExitBroken, "cannot write \"" + name + "\": it is there, and no ordinary file");
+    }
     const int file = mkstemp(temporary_.data());
     if (file < 0) fail();
     const mode_t mask = umask(0);

@@ -100,10 +100,14 @@ void addFill(CLI::App& app, const Globals& globals) {
   CLI::App* command =
       app.add_subcommand("fill", "Makes more objects: names composed of those there are, other fields mixed");
   const auto options = std::make_shared<Options>();
-  command->add_option("N", options->count, "how many")->required();
-  command->add_option("--seed", options->seed, "the same seed makes the same objects")->capture_default_str();
+  command->add_option("N", options->count, "how many")->required()->check(notNegative());
+  command->add_option("--seed", options->seed, "the same seed makes the same objects")
+      ->check(notNegative())
+      ->capture_default_str();
   command->add_option("--class", options->className, "class of the objects")->capture_default_str();
-  command->add_option("--every", options->every, "objects in a transaction, 0: all in one")->capture_default_str();
+  command->add_option("--every", options->every, "objects in a transaction, 0: all in one")
+      ->check(notNegative())
+      ->capture_default_str();
   command->callback([options, &globals] { run(*options, globals); });
 }
 

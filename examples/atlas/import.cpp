@@ -52,7 +52,7 @@ void requireEmpty(const Database& database) {
 }
 
 // In one transaction.
-void restoreAll(PortableReader& reader, const Globals& globals, unsigned long long objects) {
+void restoreAll(PortableReader& reader, const std::string& source, const Globals& globals, unsigned long long objects) {
   OpenOptions open = globals.open();
   open.language = reader.language();
   const auto database = Database::create(open, reader.schema());
@@ -63,7 +63,11 @@ void restoreAll(PortableReader& reader, const Globals& globals, unsigned long lo
   for (unsigned long long done = 0; reader.next(); bar.step(++done)) {
     Draft& draft = drafts[reader.values().cls().place];
     draft.swap(reader.values());
-    database->restore(reader.id(), draft);
+    try {
+      database->restore(reader.id(), draft);
+    } catch (const Mistake& mistake) {
+      throw Mistake(source + ": object " + std::to_string(numberOf(reader.id())) + ": " + mistake.what());
+    }
   }
   database->commit();
 }
@@ -73,7 +77,7 @@ void run(const std::string& source, const Globals& globals) {
   std::ifstream in = openFile(source);
   PortableReader reader(in, source);
   Leftover leftover(globals.file);
-  restoreAll(reader, globals, objects);
+  restoreAll(reader, source, globals, objects);
   leftover.keep();
   std::printf("%s: %s\n", source.c_str(), counted(objects, "object").c_str());
 }

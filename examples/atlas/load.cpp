@@ -5,6 +5,7 @@
 #include "world_schema.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -31,6 +32,15 @@ std::string fingerprint(const std::string& content) {
   return text;
 }
 
+// What a load has noted; nothing: 0.
+unsigned long rowsIn(const std::string& note) {
+  unsigned long rows = 0;
+  const char* end = note.data() + note.size();
+  const auto result = std::from_chars(note.data(), end, rows);
+  if (note.empty() || (result.ec == std::errc() && result.ptr == end)) return rows;
+  throw Error(kExitBroken, "the database is damaged: it has loaded \"" + note + "\" rows");
+}
+
 class Load {
 public:
   Load(Database& database, std::string file, std::string className, unsigned long every)
@@ -43,8 +53,7 @@ public:
   void run() {
     CsvObjects rows(database_, file_, className_);
     note_ += " " + rows.cls().name;
-    const std::string known = database_.note(note_);
-    before_ = known.empty() ? 0 : std::stoul(known);
+    before_ = rowsIn(database_.note(note_));
     // Without transactions in between, a row that cannot be read takes back all the others.
     if (every_ != 0) checkAll();
     load(rows);
@@ -131,6 +140,7 @@ void addLoad(CLI::App& app, const Globals& globals) {
   command->add_option("--language", options->language, "of the texts, of a new database (default: english)");
   command->add_option("--schema", options->schema, "schema file of a new database (default: the world)");
   command->add_option("--every", options->every, "objects in a transaction, 0: all of a file in one")
+      ->check(notNegative())
       ->capture_default_str();
   command->callback([options, &globals] { run(*options, globals); });
 }

@@ -2,7 +2,9 @@
 #include "cli.h"
 #include "trials.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <memory>
 
@@ -18,7 +20,7 @@ struct PlotArguments {
 void writeFile(const std::string& file, const std::string& text) {
   std::ofstream out(file, std::ios::binary);
   out << text;
-  if (!out.flush()) throw Mistake("cannot write " + file);
+  if (!out.flush()) throw Error(kExitBroken, "cannot write \"" + file + "\": " + std::strerror(errno));
 }
 
 void plot(const PlotArguments& arguments, const Globals& globals) {

@@ -80,10 +80,18 @@ bool readBeforeYear0(Value& value, const std::string& text, const Field& field) 
   return sameText(text, value.text(field));
 }
 
+// A text in quotes, as much of it as a message should hold.
+std::string quoted(std::string_view text) {
+  constexpr std::size_t kMost = 60;  // bytes
+  std::size_t cut = text.size() <= kMost ? text.size() : kMost;
+  while (cut < text.size() && cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) --cut;
+  return "\"" + std::string(text.substr(0, cut)) + (cut < text.size() ? "...\"" : "\"");
+}
+
 [[noreturn]] void refuse(std::string_view text, const Value& value, const Field& field) {
-  std::string message = std::string(field.typeName) + " cannot read \"" + std::string(text) + "\"";
-  if (!field.format.empty()) message += " under the format \"" + field.format + "\"";
-  throw Mistake(message + ": it would become \"" + value.text(field) + "\"");
+  std::string message = field.typeName + " cannot read " + quoted(text);
+  if (!field.format.empty()) message += " under the format " + quoted(field.format);
+  throw Mistake(message + ": it would become " + quoted(value.text(field)));
 }
 
 }  // namespace

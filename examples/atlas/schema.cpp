@@ -13,6 +13,9 @@ namespace {
 
 constexpr unsigned long kTableVersion = 12;
 constexpr unsigned kGreatestNumber = 65534;
+// The trees of a database are named after classes and fields.
+constexpr std::size_t kLongestName = 200;  // bytes
+constexpr std::size_t kMostIndexes = 250;
 
 using Words = std::vector<std::string>;
 
@@ -96,10 +99,17 @@ private:
   std::size_t at_ = 0;
 };
 
+const std::string& checkedName(const std::string& name) {
+  if (name.empty() || name.size() > kLongestName || name.find('.') != std::string::npos) {
+    throw Mistake("a name has 1 to " + std::to_string(kLongestName) + " bytes and no dot");
+  }
+  return name;
+}
+
 ClassSchema readClass(const Words& words, std::size_t place) {
   if (words.size() != 3) throw Mistake("a class has a name and a number");
   ClassSchema cls;
-  cls.name = words[1];
+  cls.name = checkedName(words[1]);
   cls.place = place;
   const char* end = words[2].data() + words[2].size();
   const auto result = std::from_chars(words[2].data(), end, cls.number);
@@ -107,6 +117,14 @@ ClassSchema readClass(const Words& words, std::size_t place) {
     throw Mistake("the number of a class is 1 to " + std::to_string(kGreatestNumber));
   }
   return cls;
+}
+
+std::size_t indexesIn(const std::vector<ClassSchema>& classes) {
+  std::size_t indexes = 0;
+  for (const ClassSchema& cls : classes) {
+    for (const Field& field : cls.fields) indexes += field.indexed ? 1 : 0;
+  }
+  return indexes;
 }
 
 void readLine(std::vector<ClassSchema>& classes, const Words& words) {
@@ -120,7 +138,11 @@ void readLine(std::vector<ClassSchema>& classes, const Words& words) {
   } else if (words[0] == "field") {
     if (classes.empty()) throw Mistake("a field stands before the first class");
     const Field field = FieldReader(classes, words).read();
+    checkedName(field.name);
     if (classes.back().find(field.name) != nullptr) throw Mistake("the field is there already");
+    if (field.indexed && indexesIn(classes) == kMostIndexes) {
+      throw Mistake("a database has at most " + std::to_string(kMostIndexes) + " indexes");
+    }
     classes.back().fields.push_back(field);
   } else {
     throw Mistake("a line begins with \"class\" or \"field\"");

@@ -6,24 +6,39 @@
 #include <charconv>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 namespace atlas {
 namespace {
 
-// "42", or "(0-42#7)" as references print: the number, the block is found.
-unsigned long long parseNumber(const std::string& text) {
-  unsigned long long number = 0;
+// Reads what stands before the end, if it is a number of the type, and steps behind both.
+template <class Number>
+bool readNumber(std::string_view& text, std::string_view end, Number& number) {
+  const std::size_t digits = text.find(end);
+  if (digits == std::string_view::npos) return false;
+  const auto result = std::from_chars(text.data(), text.data() + digits, number);
+  if (digits == 0 || result.ec != std::errc() || result.ptr != text.data() + digits) return false;
+  text.remove_prefix(digits + end.size());
+  return true;
+}
+
+// "42", or "(0-42#7)" as objects show their ids: the number, the block is found.
+ObjectNumber parseNumber(const std::string& text) {
+  ObjectNumber number = 0;
   const char* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
   if (!text.empty() && result.ec == std::errc() && result.ptr == end) return number;
-  unsigned high = 0, low = 0;
-  unsigned long block = 0;
-  int used = 0;
-  const bool isId = std::sscanf(text.c_str(), "(%5u-%10u#%10lu)%n", &high, &low, &block, &used) == 3;
-  if (!isId || static_cast<std::size_t>(used) != text.size() || high > 0xFFFF) {
+  KtWord high = 0;
+  KtDWord low = 0;
+  BlockId block = 0;
+  std::string_view left = text;
+  const bool isOpen = left.substr(0, 1) == "(";
+  if (isOpen) left.remove_prefix(1);
+  if (!isOpen || !readNumber(left, "-", high) || !readNumber(left, "#", low) || !readNumber(left, ")", block) ||
+      !left.empty()) {
     throw Mistake("\"" + text + "\" is no object id: a number, or like (0-42#7)");
   }
-  return static_cast<unsigned long long>(high) << 32 | low;
+  return ObjectNumber{high} << 32 | low;
 }
 
 std::string idText(ObjId id) {
@@ -87,7 +102,7 @@ void stats(const Globals& globals) {
 void addShow(CLI::App& app, const Globals& globals) {
   CLI::App* command = app.add_subcommand("show", "Prints one object");
   const auto id = std::make_shared<std::string>();
-  command->add_option("OBJID", *id, "its number, or the id as references print it")->required();
+  command->add_option("OBJID", *id, "its number, or the id as `show` prints it")->required();
   command->callback([id, &globals] { show(*id, globals); });
 }
 
@@ -96,7 +111,7 @@ void addDump(CLI::App& app, const Globals& globals) {
   const auto className = std::make_shared<std::string>();
   const auto limit = std::make_shared<unsigned long long>(~0ULL);
   command->add_option("--class", *className, "only objects of this class");
-  command->add_option("--limit", *limit, "at most so many objects");
+  command->add_option("--limit", *limit, "at most so many objects")->check(notNegative());
   command->callback([className, limit, &globals] { dump(*className, *limit, globals); });
 }
 

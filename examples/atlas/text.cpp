@@ -9,7 +9,7 @@ namespace {
 
 constexpr unsigned char kLatin1 = 1;
 constexpr unsigned char kUnicode = 253;
-constexpr std::size_t kLongestText = 32767;  // bytes that one call decodes
+constexpr std::size_t kLongestText = 32000;  // bytes: every value of them can be printed in 16-bit characters
 
 struct Language {
   const char* name;
@@ -36,7 +36,7 @@ bool fitsLatin1(const KtString& text) {
 }  // namespace
 
 KtString stringOf(std::string_view utf8, unsigned char language) {
-  if (utf8.size() > kLongestText) throw Mistake("the text is longer than 32,767 bytes");
+  if (utf8.size() > kLongestText) throw Mistake("the text is longer than 32,000 bytes");
   if (isAscii(utf8)) {
     KtString plain(utf8.data(), static_cast<unsigned short>(utf8.size()));
     plain.SetCodeSetCode(kLatin1);

@@ -59,9 +59,13 @@ refuse_all 2 'has version 85, and this atlas reads version 1' "$atlas" --db x im
 cat small.export small.export >twice.export
 refuse_all 2 'more behind the end' "$atlas" --db x import twice.export
 refuse_all 2 'cannot be read' "$atlas" --db x import missing.export
+corpus=$here/../../../fuzz/corpus/portable_stream
+refuse_all 2 'highest_number: object 281474976710655: it cannot have its id again' "$atlas" --db x import "$corpus/highest_number"
 
 refuse_all 4 'full; give it more room by --map-size' "$atlas" --db x --map-size 64KB import world.export
 refuse_all 5 'cannot write "missing/x.export": No such file or directory' "$atlas" --db small export missing/x.export
+mkdir folder
+refuse_all 5 'cannot write "folder": it is there, and no ordinary file' "$atlas" --db small export folder
 (ulimit -f 8 && refuse_all 4 'cannot write "x.export"' "$atlas" --db world export x.export && finish) ||
   fail "an export without room"
 refuse_all 3 'there is no database' "$atlas" --db missing export x.export

@@ -18,6 +18,8 @@ try() {
 head='name,country,population,latitude,longitude'
 printf '%s\nA,CN,1,2,3\nB,CN,1x,2,3\n' "$head" | try '3: column population: KtDWord cannot read "1x"'
 printf '%s\nA,CN,-1,2,3\n' "$head" | try '2: column population: KtDWord cannot read "-1"'
+printf '%s\n%032001d,CN,1,2,3\n' "$head" 1 | try '2: column name: the text is longer than 32,000 bytes'
+printf '%s\nA,CN,%0999d,2,3\n' "$head" 1 | sed 's/,0/,9/' | try '2: column population: KtDWord cannot read "9'
 printf '%s\nA,CN,4294967296,2,3\n' "$head" | try '2: column population'
 printf '%s\nA,XX,1,2,3\n' "$head" | try '2: column country: no country has the cca2 "XX"'
 printf '%s\n"A\nB",CN,1,2,3\nC,CN,1,north,3\n' "$head" | try '4: column latitude: float cannot read "north"'
@@ -33,7 +35,19 @@ refuse 2 'bad.csv:1: no class has these columns' "$atlas" load "$dir/bad.csv"
 refuse 2 'there is no class "planet"' "$atlas" load --class planet "$data/cities.csv"
 refuse 2 'there is no class "planet"' "$atlas" dump --class planet
 refuse 2 'there is no object 251' "$atlas" show 251
-refuse 2 'is no object id' "$atlas" show 1x
+for id in 1x '' '(0-4294967297#1)' '(65536-1#1)' '(0-1#1' '(0--1#1)' '(0-1#1)x' 99999999999999999999; do
+  refuse 2 'is no object id' "$atlas" show "$id"
+done
+expect 0 'country (0-1#1)' "$atlas" show '(0-1#1)'
+refuse 2 'N = nothing' "$atlas" fill nothing
+for negative in 'fill -5' 'fill 5 --every -1' 'dump --limit -1' "load $data/cities.csv --every -1"; do
+  # shellcheck disable=SC2086
+  refuse 2 'is less than 0' "$atlas" $negative
+done
+if [ -c /dev/full ]; then
+  "$atlas" dump >/dev/full 2>"$dir/err"
+  [ $? = 5 ] || fail "an output that is full: $(cat "$dir/err")"
+fi
 
 # NaN is equal to every number: no index can place it.
 printf 'class point 1\nfield x double index\n' >"$dir/nan.schema"
@@ -42,6 +56,13 @@ refuse 2 'nan.csv:3: column x' "$atlas" --db "$dir/nan.atlas" load --schema "$di
 printf 'class point 1\nfield x real index\n' >"$dir/bad.schema"
 refuse 2 'line 2: there is no type "real"' "$atlas" --db "$dir/nan.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
 refuse 3 'has another schema' "$atlas" load --schema "$dir/nan.schema" "$dir/nan.csv"
+
+# Names become names of trees.
+printf 'class a.b 1\nfield c long\n' >"$dir/bad.schema"
+refuse 2 'line 1: a name has 1 to 200 bytes and no dot' "$atlas" --db "$dir/x.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
+{ echo 'class a 1' && seq 300 | sed 's/.*/field f& long index/'; } >"$dir/bad.schema"
+refuse 2 'line 252: a database has at most 250 indexes' "$atlas" --db "$dir/x.atlas" load --schema "$dir/bad.schema" "$dir/nan.csv"
+[ -e "$dir/x.atlas" ] && fail "a refused schema left a database behind"
 
 [ "$("$atlas" dump | cksum)" = "$before" ] || fail "a refused file changed the database"
 expect 0 "sound: 250 objects" "$atlas" check

@@ -300,6 +300,19 @@ TEST_F(Query, joins_by_three_valued_logic) {
   }
 }
 
+TEST_F(Query, takes_the_longest_text_and_the_longest_pattern) {
+  EXPECT_TRUE(found("name = " + std::string(32000, 'a')).empty());
+  EXPECT_TRUE(found("name like \"" + std::string(31999, '*') + "b\"").empty());
+  EXPECT_EQ(found("code > 0" +
+                  [] {
+                    std::string all;
+                    for (int i = 0; i < 5000; ++i) all += " and code > 0";
+                    return all;
+                  }())
+                .size(),
+            kObjects);
+}
+
 TEST_F(Query, narrows_one_index_by_several_parts) {
   const std::string text = "count > -5 and count <= 3 and count != 0";
   const Predicate predicate = atlas::parsePredicate(text);
@@ -325,10 +338,20 @@ struct Refused {
 };
 
 TEST_F(Query, refuses_what_cannot_be_bound) {
+  const std::string nines = "code = " + std::string(30000, '9'), endless = "name = " + std::string(32001, 'a');
+  const std::string cutNines = "column 8: \"code\": KtDWord cannot read \"" + std::string(60, '9') + "...\"";
   const Refused kCases[] = {
       {"nothing = 1", "has no field \"nothing\"; it has code, name, plain, size, count, born, big, twin"},
       {"count = twelve", "column 9: \"count\""},
       {"count = 99999999999", "column 9: \"count\""},
+      {"count = 0x10", "column 9: \"count\""},
+      {"count = 1e400", "column 9: \"count\""},
+      {"big = -9223372036854775809", "column 7: \"big\""},
+      {"size = 1e400", "column 8: \"size\""},
+      {"size = nan", "this value has no place in the order of KtNull_double"},
+      {nines.c_str(), cutNines.c_str()},
+      {endless.c_str(), "the text is longer than 32,000 bytes"},
+      {"born = -99999999999-01-01", "column 8: \"born\""},
       {"born = 1999-13-01", "column 8: \"born\""},
       {"born between 1999-01-01 and soon", "column 29: \"born\""},
       {"name = ''", "only \"is null\" finds"},
