@@ -21,8 +21,9 @@ class KtString;
 //         <, >, <= and >= go by it. == compares all fields. Against a lone date or time a value is compared with what
 //         the constructors make of that: the rest comes from the clock.
 // Size:   8 bytes; the last is padding and never counts.
-// Disk:   7 bytes: the year in the byte order of the format code, month, day, hour, minute, second. Store and
-//         Load move 7 bytes a value under code 8 as well; the other operations take that for the 8 bytes in memory.
+// Disk:   docs/formats.md, KtDateTime: 7 bytes: the year in the byte order of the format code, month, day, hour,
+//         minute, second. Store and Load move 7 bytes a value under code 8 as well; the other operations take that for
+//         the 8 bytes in memory.
 // Text:   by a format, see ktdate.h; "%Y-%m-%dT%H:%M:%S" when it is null. The row's: "%a %e.%b %Y %I:%M:%S %p".
 // Status: -2171 of the conversions between time zones: the offset is not known. Nothing else fails. Arithmetic on null
 //         or invalid values takes the fields as numbers. Text: as ktdate.h says.

@@ -39,22 +39,6 @@ long compared(char id, unsigned char format, void* a, void* b, unsigned long cou
   return result;
 }
 
-TEST(IdentityOps, disk_bytes_follow_the_format_code) {
-  const KtRef object = sampleRef();
-  const Bytes little = {4, 3, 2, 1, 8, 7, 6, 5, 0x0A, 9, 0x0C, 0x0B, 0x0E, 0x0D};
-  const Bytes big = {1, 2, 3, 4, 5, 6, 7, 8, 9, 0x0A, 0x0B, 0x0C, 0x0D, 0x0E};
-  const KtObjId id(object.block, object.low, object.high);
-  const KtClassId classId(0x0D0E, 0x0F10);
-  for (int format : {0, 1, 4, 8, 0x12, 2}) {
-    const auto code = static_cast<unsigned char>(format);
-    const Bytes& expected = (format & 15) == 2 ? big : little;
-    EXPECT_EQ(stored(KT_ID_KtRef, object, code), expected) << format;
-    EXPECT_EQ(stored(KT_ID_KtObjId, id, code), Bytes(expected.begin(), expected.begin() + 10)) << format;
-    EXPECT_EQ(stored(KT_ID_KtClassId, classId, code),
-              (format & 15) == 2 ? (Bytes{0x0D, 0x0E, 0x0F, 0x10}) : (Bytes{0x0E, 0x0D, 0x10, 0x0F}));
-  }
-}
-
 TEST(IdentityOps, runs_come_back_from_unaligned_disk_forms) {
   for (const unsigned char format : Bytes{0, 2}) {
     KtRef refs[3];

@@ -71,23 +71,6 @@ TEST(KtSeal, order_is_the_difference_of_words_in_memory_and_of_bytes_on_disk) {
   }
 }
 
-TEST(KtSeal, disk_form_is_big_endian_in_every_code) {
-  KtSeal in[2] = {seal(0xABCD, 0x1234, 0x5678), seal(0, 0, 1)};
-  const unsigned char expected[] = {0xAB, 0xCD, 0x12, 0x34, 0x56, 0x78, 0, 0, 0, 0, 0, 1};
-  for (const unsigned char format : Codes{0, 1, 2, 4, 8, 0xF2}) {
-    unsigned char disk[12] = {};
-    EXPECT_EQ(mgr.Store(KT_ID_KtSeal, disk, in, format, 2), 12u);
-    EXPECT_EQ(std::memcmp(disk, expected, 12), 0) << int(format);
-    KtSeal back[2];
-    EXPECT_EQ(mgr.Load(KT_ID_KtSeal, back, disk, format, 2), 12u);
-    EXPECT_TRUE(back[0] == in[0] && back[1] == in[1]);
-  }
-  unsigned char disk[12];
-  EXPECT_EQ(mgr.Translate(KT_ID_KtSeal, disk, 0, 12, in, 8, 12, 2), 12u);
-  EXPECT_EQ(std::memcmp(disk, expected, 12), 0);
-  EXPECT_EQ(mgr.DiskLenGet(KT_ID_KtSeal, nullptr, 4, 3, 8), 18u);
-}
-
 TEST(KtSeal, hash_folds_the_words_natively_in_codes_8_and_1) {
   const KtSeal s[2] = {seal(1, 1, 1), seal(0x0100, 0, 0)};
   KtSeal memory[2] = {s[0], s[1]};

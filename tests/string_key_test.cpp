@@ -1,4 +1,4 @@
-// Index keys: bytes worked by hand, the law that memcmp sorts them, keys cut short, and the other translations.
+// Index keys (tests/golden has their bytes): the law that memcmp sorts them, keys cut short, and the other translations.
 #include "kttypops.h"
 #include "ops/string_ops.h"
 #include "string_bytes.h"
@@ -56,37 +56,6 @@ int sortByMemcmp(const Bytes& a, const Bytes& b) {
 }
 
 // --- bytes --------------------------------------------------------------------------------------------------------
-
-// A letter's order is 0x4000 + case * 0x1000 + diacritic * 0x80 + letter * 4, A being letter 3; the key moves case and
-// diacritic below the letter. A space has order 33, the digit 1 has 16138.
-TEST(StringKey, keys_have_the_bytes_worked_by_hand) {
-  struct {
-    std::u16string text;
-    unsigned char codeSet;
-    unsigned char language;
-    unsigned char format;
-    const char* bytes;
-  } const cases[] = {
-      {u"aB", 1, 1, 0x82, "00 0C 01 01 01 40 0C 20 01 40 10 00 00 FF"},
-      {u"aB", 1, 1, 0x84, "0C 00 01 01 01 40 0C 20 01 40 10 00 00 FF"},
-      {u"aB", 10, 6, 0x80, "0C 00 0A 06 04 40 0C 20 04 40 10 00 00 FF"},
-      {u"aB", 253, 1, 0x82, "00 0C 01 01 01 40 0C 20 01 40 10 00 00 FF"},  // the key of the text in code set 1
-      {u"\u00C4 1", 1, 1, 0x82, "00 10 01 01 01 40 0C 06 01 00 21 00 01 3F 0A 00 00 FF"},
-      {u"a\u0416", 253, 8, 0x82, "00 0C FD 08 01 40 0C 20 01 84 16 00 00 FF"},
-      {u"\u0416a\uAC00B", 253, 8, 0x82, "00 14 FD 08 01 84 16 00 01 40 0C 20 FF AC 00 00 01 40 10 00 00 FF"},
-      {u"\uAC00", 253, 1, 0x82, "00 08 FD 01 FF AC 00 00 00 FF"},
-      {u"\uAC00", 253, 20, 0x82, "00 08 FD 14 14 AC 00 00 00 FF"},
-      {u"", 1, 1, 0x82, "00 04 01 01 00 FF"},
-      {u"", 0, 254, 0x82, "00 04 00 FE 00 00"},
-      {u"ab", 0, 1, 0x82, "00 06 00 01 61 62 00 FF"},
-      {u"ab", 1, 1, 0xA2, "00 06 00 01 61 62 00 FF"},
-      {u"aB", 0, 1, 0xC2, "00 0C 01 01 01 40 0C 20 01 40 10 00 00 FF"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(keyOf(makeString(c.text, c.codeSet, c.language), c.format), hex(c.bytes)) << c.bytes;
-  }
-  EXPECT_EQ(keyOf(makeString(u"aB", 1, 1), 0x82, 10), hex("00 08 01 01 01 40 0C 20 FF FF"));  // cut
-}
 
 TEST(StringKey, key_words_are_big_endian_under_every_format) {
   const KtString s = makeString(u"Na\u00EFve \uAC00", 253, 1);
