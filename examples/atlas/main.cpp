@@ -30,7 +30,7 @@ void answerBusError(int) {
 }
 
 // LMDB goes where the numbers in its pages lead.
-void answerSegmentationFault(int) {
+[[maybe_unused]] void answerSegmentationFault(int) {
   stop("atlas: memory was used that is not there: the database is damaged, or atlas has an error\n");
 }
 
