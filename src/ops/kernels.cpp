@@ -3,7 +3,12 @@
 #include "byte_order.h"
 #include "clones.h"
 
+#include <bit>
 #include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kt {
 namespace {
@@ -103,21 +108,41 @@ inline std::uint32_t xorIeeeRun(const unsigned char* p, unsigned long count) {
 }
 
 constexpr unsigned long kBlockBytes = 256;
-constexpr unsigned long kSmallBlockBytes = 64;
 
-template <unsigned long kBytes>
 inline bool equalBlock(const unsigned char* a, const unsigned char* b) {
   std::uint64_t difference = 0;
-  for (unsigned long i = 0; i < kBytes; i += 8) difference |= read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
+  for (unsigned long i = 0; i < kBlockBytes; i += 8)
+    difference |= read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
   return difference == 0;
 }
+
+// Of the block in which a difference lies: bit i tells whether byte i differs.
+constexpr unsigned long kMaskBytes = 64;
+
+#if defined(__SSE2__)
+inline std::uint64_t unequalBytes(const unsigned char* a, const unsigned char* b) {
+  std::uint64_t equal = 0;
+  for (unsigned i = 0; i < kMaskBytes; i += 16) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+    const __m128i y = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+    equal |= std::uint64_t{static_cast<std::uint16_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, y)))} << i;
+  }
+  return ~equal;
+}
+#else
+inline std::uint64_t unequalBytes(const unsigned char* a, const unsigned char* b) {
+  std::uint64_t unequal = 0;
+  for (unsigned i = 0; i < kMaskBytes; ++i) unequal |= std::uint64_t{a[i] != b[i]} << i;
+  return unequal;
+}
+#endif
 
 // The loops proper, once for plain x86-64 and once for wider vectors. Clones stay inside this file: their symbols differ
 // between compilers.
 KT_CLONES unsigned long equalBlocksLoop(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
-  unsigned long i = 0;
-  while (i + kBlockBytes <= bytes && equalBlock<kBlockBytes>(a + i, b + i)) i += kBlockBytes;
-  while (i + kSmallBlockBytes <= bytes && equalBlock<kSmallBlockBytes>(a + i, b + i)) i += kSmallBlockBytes;
+  if (unequalBytes(a, b) != 0) return 0;
+  unsigned long i = kMaskBytes - reinterpret_cast<std::uintptr_t>(a) % kMaskBytes;  // few loads cross a cache line
+  while (i + kBlockBytes <= bytes && equalBlock(a + i, b + i)) i += kBlockBytes;
   return i;
 }
 
@@ -136,7 +161,11 @@ KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, 
 }  // namespace
 
 unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
-  unsigned long i = bytes < kSmallBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
+  unsigned long i = bytes < kBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
+  for (; i + kMaskBytes <= bytes; i += kMaskBytes) {
+    const std::uint64_t unequal = unequalBytes(a + i, b + i);
+    if (unequal != 0) return i + static_cast<unsigned long>(std::countr_zero(unequal));
+  }
   for (; i + 8 <= bytes; i += 8) {
     const std::uint64_t difference = read<std::uint64_t>(a + i) ^ read<std::uint64_t>(b + i);
     if (difference != 0) return i + firstDifferentByte(difference);
