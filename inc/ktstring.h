@@ -320,7 +320,8 @@ int operator>=(Text a, const KtString& b) {
 // set one past the separator's position, whatever its length. Separators that are found at position 0 of the list are
 // skipped. Returns 0, or -2005 at the end: item is unchanged then, but pos may have gone on.
 //   separator: found as by Find under the default operator; an empty one makes the rest of the list one item.
-//   item may be the list, which then is replaced.
+//   item may be the list, which then is replaced. When memory is exhausted it may be empty, or not trimmed, and the result
+//   is 0 all the same.
 KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
 
 // Compares two texts. Negative when s1 sorts before s2, 0, or positive.

@@ -54,7 +54,8 @@ public:
   unsigned long Store(char id, void* dst, void* src, unsigned char format, unsigned long count) const;
   unsigned long Load(char id, void* dst, void* src, unsigned char format, unsigned long count) const;
   // Disk bytes in `format` of values held in the form `mode`: 8 for those in memory. Of a run on disk give its code as
-  // both: blobs read the one, strings the other. Types of fixed size look at neither values nor mode.
+  // both: blobs read the one, strings the other, records that shall become index keys (0x80) included, so that those can
+  // be measured in their own order of bytes only. Types of fixed size look at neither values nor mode.
   unsigned long DiskLenGet(char id, void* values, unsigned char format, unsigned long count, unsigned char mode) const;
   // The same at the file's position. Strings and blobs: 0 for a null file; others look at none.
   unsigned long DiskLenGetFromMemFile(char id, MemFile* file, unsigned char format, unsigned long count) const;
