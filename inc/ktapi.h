@@ -1,5 +1,5 @@
-// ktapi.h - the export macros of kttm: KTTM_API for classes and functions, KTTM_INLINE for member functions of such classes
-// that are defined in line and exported nevertheless, for programs that were built against a library that had only that.
+// ktapi.h - the export macros of kttm: KTTM_API for classes and functions; KTTM_INLINE for member functions of such classes
+// that stand in line and are exported as well, for programs that were built when they did not and import them.
 #ifndef KTAPI_H
 #define KTAPI_H
 

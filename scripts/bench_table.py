@@ -4,8 +4,8 @@
 Benchmarks are named job/contestant[/size], where the job may itself contain slashes when a size follows; the contestant
 "kttm" stands against every other contestant of its job and size; a star marks the best of them. The ratio is the median
 time of the peer divided by the median time of kttm, in time of the processor, which other work on the machine disturbs
-less than the clock's. The column "limit" has the time of a contestant that only moves or compares the bytes, which nothing
-can beat by much. goals.csv has the columns job,peer,size,goal; an empty size stands for every size. The peer "limit"
+less than the clock's. The column "floor" has the time of a contestant that only moves or compares the bytes: a limit that
+nothing beats by much. goals.csv has the columns job,peer,size,goal; an empty size stands for every size. The peer "limit"
 stands for a time: its goal is the most ns that one operation of kttm may take. Exit status 1 when a job reported an
 error, or when --check is given and a goal is missed.
 """
@@ -64,7 +64,7 @@ def read_goals(path):
 
 
 def table(medians, goals):
-    """One row for each job, size and peer: (job, size, peer, kttm ns, peer ns, limit ns, ratio, goal, verdict)."""
+    """One row for each job, size and peer: (job, size, peer, kttm ns, peer ns, floor ns, ratio, goal, verdict)."""
     rows = []
     for (job, size), group in sorted(medians.items(), key=lambda item: (item[0][0], int(item[0][1] or 0))):
         if "kttm" not in group:
@@ -97,7 +97,7 @@ def main():
     rows = table(medians, goals)
 
     width = max([len(row[0]) for row in rows] + [3])
-    print(f"{'job':{width}} {'size':>8} {'kttm ns':>12} {'peer':16} {'peer ns':>12} {'limit ns':>12} {'ratio':>7} {'goal':>6}")
+    print(f"{'job':{width}} {'size':>8} {'kttm ns':>12} {'peer':16} {'peer ns':>12} {'floor ns':>12} {'ratio':>7} {'goal':>6}")
     for job, size, peer, ours, theirs, floor, ratio, goal, verdict in rows:
         least = "" if floor is None else f"{floor:.1f}"
         shown = "" if goal is None else f"{goal:g}"

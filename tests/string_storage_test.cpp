@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstring>
 
 namespace {
@@ -47,6 +48,22 @@ TEST(StringStorage, a_zero_inside_a_text_is_kept) {
   Block back(Bytes(record.size(), 0));
   StringStore(back.get(), &s, 0, 1);
   EXPECT_EQ(Bytes(back.get(), back.get() + back.size), record);
+}
+
+TEST(StringStorage, half_a_character_is_stored_as_it_lies_whatever_the_order_and_what_was_stored_before) {
+  KtString strings[] = {"abcdefghijk", "a", "wxyz", "b", "b", "b"};
+  strings[2].codeSet = 253;
+  strings[2].language = 1;
+  constexpr bool kBigHost = std::endian::native == std::endian::big;
+  const char* const littleHost[] = {"07 00 FD 01 77 78 79 00 FF", "00 07 FD 01 78 77 79 00 FF"};
+  const char* const bigHost[] = {"07 00 FD 01 78 77 79 00 FF", "00 07 FD 01 77 78 79 00 FF"};
+  for (const unsigned char code : Codes{0, 2}) {
+    const unsigned long before = StringSizeGet(strings, 8, code, 2);
+    Block target(Bytes(StringSizeGet(strings, 8, code, 6), 0xEE));
+    StringStore(target.get(), strings, code, 6);
+    const char* const expected = (kBigHost ? bigHost : littleHost)[code / 2];
+    EXPECT_EQ(Bytes(target.get() + before, target.get() + before + 9), hex(expected)) << int{code};
+  }
 }
 
 TEST(StringStorage, a_text_of_65532_characters_is_clipped_with_an_assertion) {

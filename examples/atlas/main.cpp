@@ -29,6 +29,15 @@ void answerBusError(int) {
   stop("atlas: the database cannot be read: its file is truncated, or the disk has failed\n");
 }
 
+#if defined(__has_feature)  // clang
+#if __has_feature(address_sanitizer)
+#define ATLAS_SANITIZED
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)  // g++
+#define ATLAS_SANITIZED
+#endif
+
 // LMDB goes where the numbers in its pages lead.
 [[maybe_unused]] void answerSegmentationFault(int) {
   stop("atlas: memory was used that is not there: the database is damaged, or atlas has an error\n");
@@ -36,7 +45,7 @@ void answerBusError(int) {
 
 void setSignals() {
   std::signal(SIGBUS, answerBusError);
-#ifndef __SANITIZE_ADDRESS__  // which says more
+#ifndef ATLAS_SANITIZED  // its report says more
   std::signal(SIGSEGV, answerSegmentationFault);
 #endif
   std::signal(SIGXFSZ, SIG_IGN);  // a limit of the file size is an error of writing

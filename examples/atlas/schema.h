@@ -4,11 +4,11 @@
 //   class NAME NUMBER
 //   field NAME TYPE [column NAME] [format "..."] [converted] [index] [references CLASS by FIELD]
 //
-// A NAME has 1 to 200 bytes and no dot; at most 250 fields have an index. TYPE is a name of the type table. column: that of the CSV file, without it the field's name. format: of the texts
-// that are scanned and printed, without it the type's own. converted: texts are not scanned and printed but go through
-// the type's conversion from and to strings. index: the field has an index. references: the text is looked up in the
-// index of that field of that class, declared above, and the object found becomes the value, a KtRef. Words that hold
-// blanks stand in double quotes.
+// A NAME has 1 to 200 bytes and no dot; at most 250 fields have an index. TYPE is a name of the type table. column: that of
+// the CSV file, without it the field's name. format: of the texts that are scanned and printed, without it the type's own.
+// converted: texts are not scanned and printed but go through the type's conversion from and to strings. index: the field
+// has an index. references: the text is looked up in the index of that field of that class, declared above, and the object
+// found becomes the value, a KtRef. Words that hold blanks stand in double quotes.
 #ifndef EXAMPLES_ATLAS_SCHEMA_H
 #define EXAMPLES_ATLAS_SCHEMA_H
 

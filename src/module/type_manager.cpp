@@ -17,7 +17,7 @@ Field exchange(Field& field, Field value) {
   return old;
 }
 
-// Functions that the header has in line are here, too.
+// Their addresses make the compiler emit the functions that the header has in line: older programs import them.
 using CompareRun = long (KtTypeMgr::*)(char, void*, void*, unsigned short, unsigned long, unsigned char) const;
 using CompareWithin = long (KtTypeMgr::*)(char, unsigned long, void*, unsigned long, void*, unsigned short,
                                           unsigned long, unsigned char, int&) const;

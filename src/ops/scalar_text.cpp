@@ -25,13 +25,13 @@ constexpr char kDoubleFormat[] = "%lf";
 // 7-bit printable characters: what every locale agrees on.
 bool isPrintable(unsigned char ch) { return ch >= 0x20 && ch < 0x7F; }
 
-// Scans `in` by scan(text, length) into a value of another width and keeps the bits that are stored.
-template <class Stored, class Number, class Scan>
-bool scanValue(void* value, const KtString& in, Number number, Scan scan) {
+// Scans `in` by scan(text, length, number).
+template <class Number, class Scan>
+bool scanValue(void* value, const KtString& in, Scan scan) {
   const NarrowText text(in);
+  Number number;
   if (!scan(text.begin(), text.length(), number)) return false;
-  const auto stored = static_cast<Stored>(number);
-  std::memcpy(value, &stored, sizeof stored);
+  std::memcpy(value, &number, sizeof number);
   return true;
 }
 
@@ -40,6 +40,7 @@ bool scanValue(void* value, const KtString& in, Number number, Scan scan) {
   return scanInteger(text.begin(), text.length(), format, number);
 }
 
+// Keeps the bits that are stored.
 template <class Stored>
 bool scanStoredInteger(void* value, const KtString& in, const char* format) {
   std::uint32_t number;
@@ -177,7 +178,7 @@ KtString& printFloat(KtString& out, void* values, const char* format, unsigned l
 }
 
 bool scanFloatValue(void* value, const KtString& in, const char* format) {
-  return scanValue<float>(value, in, 0.0F, [format](const char* text, unsigned long length, float& number) {
+  return scanValue<float>(value, in, [format](const char* text, unsigned long length, float& number) {
     return kt::scanFloat(text, length, format, number);
   });
 }
@@ -194,7 +195,7 @@ KtString& printDouble(KtString& out, void* values, const char* format, unsigned 
 }
 
 bool scanDoubleValue(void* value, const KtString& in, const char* format) {
-  return scanValue<double>(value, in, 0.0, [format](const char* text, unsigned long length, double& number) {
+  return scanValue<double>(value, in, [format](const char* text, unsigned long length, double& number) {
     return kt::scanDouble(text, length, format, number);
   });
 }

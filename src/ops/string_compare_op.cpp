@@ -173,8 +173,9 @@ template <class Kind>
 
 constexpr unsigned long kHeadRecord = kCodeSetAt + 8;  // the least record of which a word can be read from there
 constexpr unsigned long kHeadUnits = 3;                // 16-bit characters in such a word
-constexpr unsigned long kLongHeadUnits = 7;            // and in two
-constexpr std::uint64_t kCodes = 0xFFFF;               // of a head: language * 256 + code set
+constexpr unsigned long kLengthOfHeadUnits = kEmptyLength + 2 * kHeadUnits;  // L of a record that has as many
+constexpr unsigned long kLongHeadUnits = 7;                                  // and in two
+constexpr std::uint64_t kCodes = 0xFFFF;                                     // of a head: language * 256 + code set
 constexpr unsigned kTextEndAndMark = std::endian::native == std::endian::little ? kCurrentMark << 8 : kCurrentMark;
 static_assert(kTextEnd == 0);
 
@@ -184,11 +185,13 @@ inline unsigned loadWord(const unsigned char* at) {
   return word;
 }
 
-// Whether the bytes hold one record in the current form that is no shorter than that.
-[[gnu::always_inline]] inline bool holdsHead(const unsigned char* bytes, unsigned long length, unsigned char format) {
-  if (length < kHeadRecord) return false;
+// Where the bytes hold one record in the current form that is no shorter than that: its L; else 0.
+[[gnu::always_inline]] inline unsigned long headLength(const unsigned char* bytes, unsigned long length,
+                                                       unsigned char format) {
+  if (length < kHeadRecord) return 0;
   const unsigned long own = readLength(bytes, lowCode(format));
-  return own - (kHeadRecord - kLengthBytes) <= length - kHeadRecord && loadWord(bytes + own) == kTextEndAndMark;
+  const bool isWhole = own - (kHeadRecord - kLengthBytes) <= length - kHeadRecord;
+  return isWhole && loadWord(bytes + own) == kTextEndAndMark ? own : 0;
 }
 
 // The first characters of such records of 16-bit characters, in either order. 0: not decided.
@@ -229,16 +232,18 @@ long compareStrings(unsigned char format, unsigned long lengthA, void* a, unsign
                     unsigned short options, unsigned long count, int& status) {
   const auto* const recordA = static_cast<const unsigned char*>(a);
   const auto* const recordB = static_cast<const unsigned char*>(b);
-  if (!isOnePlain(Kind::cmpOp(options), count) || !isPlainRecordForm(format) || !holdsHead(recordA, lengthA, format) ||
-      !holdsHead(recordB, lengthB, format))
+  if (!isOnePlain(Kind::cmpOp(options), count) || !isPlainRecordForm(format))
     return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
+  const unsigned long shorter = std::min(headLength(recordA, lengthA, format), headLength(recordB, lengthB, format));
+  if (shorter == 0) return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
   const std::uint64_t headA = loadLowFirst(recordA + kCodeSetAt);
   const std::uint64_t headB = loadLowFirst(recordB + kCodeSetAt);
   if (((headA ^ headB) & kCodes) != 0)
     return compareInFull<Kind>(format, lengthA, a, lengthB, b, options, count, status);
   const auto codes = static_cast<unsigned>(headA & kCodes);
   const ByteWeights* bytes = usualByteWeights(codes);
-  const WideWeights* units = bytes == nullptr && lowCode(format) != kBigEndian ? usualWideWeights(codes) : nullptr;
+  const bool hasUnits = bytes == nullptr && lowCode(format) != kBigEndian && shorter >= kLengthOfHeadUnits;
+  const WideWeights* units = hasUnits ? usualWideWeights(codes) : nullptr;
   std::int32_t difference = 0;
   if (bytes != nullptr) {
     difference = differenceInHeads(headA >> 16, headB >> 16, *bytes);

@@ -33,6 +33,7 @@ unsigned char* storeOne(unsigned char* out, const KtString& s, unsigned char cod
   out[kLanguageAt] = s.language;
   if (s.CharSize() == 2 && unitsAreSwapped(code)) {
     ShortStore(out + kTextAt, s.buffer, unitOrder(code), bytes / 2);
+    if (bytes % 2 != 0) out[kTextAt + bytes - 1] = static_cast<unsigned char>(s.buffer[bytes - 1]);  // half a character
   } else if (kHasRoom && bytes - 1 < kWholeMove) {
     std::memcpy(out + kTextAt, s.buffer, kWholeMove);
   } else {

@@ -89,7 +89,7 @@ template <unsigned long kCharSize>
 long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
 long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp);
 
-// Of texts that lie in words, the first character lowest, and do not fill them: what lies above ends them.
+// Of texts that begin in words, the first character lowest, and go on above or have a terminator there.
 template <class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInHeads(std::uint64_t a, std::uint64_t b, const Table& table) {
   constexpr unsigned kBits = 8 * static_cast<unsigned>(Table::kCharSize);

@@ -11,9 +11,8 @@
 
 namespace kt {
 
-constexpr unsigned kLongestShort = 25;  // size of a short text, terminator included
-constexpr unsigned kReadable = 19;      // bytes that can be read of it, if without meaning
-static_assert(kReadable <= kSmallestBlock && kLongestShort < kSmallestBlock);
+constexpr unsigned kLongestShort = 25;                                      // size of a short text, terminator included
+static_assert(kLongestShort < kSmallestBlock && 3 + 16 <= kSmallestBlock);  // readable: a sign, 0x, sixteen digits
 
 // Whether a string holds something in 8-bit characters, in the smallest of blocks.
 inline bool isShortText(const KtString& in) {

@@ -71,6 +71,7 @@ def compare(path, objdump):
     else:
         found = demangled(elf_symbols(path, {"GLOBAL", "WEAK"}))
         extra = demangled(elf_symbols(path, {"GLOBAL"})) - listed
+        extra |= {name for name in demangled(elf_symbols(path, {"UNIQUE"})) if not name.startswith("std::")}
     problems = [f"{path.name}: not exported any more: {name}" for name in sorted(listed - found)]
     return problems + [f"{path.name}: exported, but not in the list: {name}" for name in sorted(extra)]
 
