@@ -3,16 +3,18 @@
 #ifndef KTAPI_H
 #define KTAPI_H
 
-#if defined(_WIN32)
-#if defined(KTTM_BUILD)
+#if !defined(_WIN32)
+#define KTTM_API __attribute__((visibility("default")))
+#elif defined(KTTM_BUILD)
 #define KTTM_API __declspec(dllexport)
 #else
 #define KTTM_API __declspec(dllimport)
 #endif
+
+#if defined(_WIN32) && !defined(KTTM_BUILD)
 #define KTTM_INLINE inline
 #else
-#define KTTM_API __attribute__((visibility("default")))
-#define KTTM_INLINE inline __attribute__((visibility("default")))
+#define KTTM_INLINE inline KTTM_API
 #endif
 
 #endif
