@@ -119,12 +119,34 @@ std::int32_t differenceBehind(unsigned long index, const Cursor& a, const Cursor
                            primaryAt(*b.table(), b.data(), index + (k2 & kIgnorable)));
 }
 
-// Texts of one form in host order that are alike before `start`.
-template <class Cursor>
-[[gnu::always_inline]] inline long compareBehind(unsigned long start, const Cursor& a, const Cursor& b,
+// What a primary difference decides between terminated texts that are alike before x and y, or 0. Characters that differ
+// in case or diacritics only are passed over on both sides, an ignorable one on its own side; behind it the texts are
+// compared anew.
+template <class Table>
+[[gnu::always_inline]] inline std::int32_t walkToPrimary(const char* x, const char* y, const Table& table) {
+  constexpr unsigned long kSize = Table::kCharSize;
+  for (;;) {
+    for (; isSameCharacter<kSize>(x, y, 0); x += kSize) y += kSize;
+    const Weight k1 = primaryAt(table, x, 0);
+    const Weight k2 = primaryAt(table, y, 0);
+    if (const std::int32_t difference = decidedDifference(k1, k2)) return difference;
+    if (((k1 | k2) & kSeveral) != 0 || (k1 | k2) == 0) return 0;
+    const bool inStep = k1 == k2;
+    x += kSize * (inStep | (k1 & kIgnorable));
+    y += kSize * (inStep | (k2 & kIgnorable));
+  }
+}
+
+ByteCursor cursorOf(const char* text, const ByteWeights& table) { return {text, TextRef::kToTerminator, &table}; }
+WideCursor cursorOf(const char* text, const WideWeights& table) { return {text, TextRef::kToTerminator, &table, 0}; }
+
+template <class Table>
+[[gnu::always_inline]] inline long compareBehind(unsigned long start, const char* a, const char* b, const Table& table,
                                                  unsigned cmpOp) {
-  if (const std::int32_t primary = differenceBehind(start, a, b)) return primary;
-  return compareSteps(a, b, cmpOp, stepBefore(start, a));
+  const unsigned long bytes = start * Table::kCharSize;
+  if (const std::int32_t primary = walkToPrimary(a + bytes, b + bytes, table)) return primary;
+  const auto x = cursorOf(a, table);
+  return compareSteps(x, cursorOf(b, table), cmpOp, stepBefore(start, x));
 }
 
 // What a primary difference decides, or 0, and then the place of the first difference of any kind. As long as both texts
@@ -204,11 +226,11 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
 long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
 
-long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) {
-  return compareBehind(start, a, b, cmpOp);
+long compareFrom(unsigned long start, const char* a, const char* b, const ByteWeights& table, unsigned cmpOp) {
+  return compareBehind(start, a, b, table, cmpOp);
 }
-long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp) {
-  return compareBehind(start, a, b, cmpOp);
+long compareFrom(unsigned long start, const char* a, const char* b, const WideWeights& table, unsigned cmpOp) {
+  return compareBehind(start, a, b, table, cmpOp);
 }
 
 long compareTexts(const TextRef& a, const TextRef& b, unsigned cmpOp, short length, int* report) {

@@ -85,9 +85,10 @@ template <unsigned long kCharSize>
     if (!isSameCharacter<kCharSize>(a, b, i)) return i;
 }
 
-// The whole comparison of texts of one form in host order, of which it is known that they are alike before `start`.
-long compareFrom(unsigned long start, const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
-long compareFrom(unsigned long start, const WideCursor& a, const WideCursor& b, unsigned cmpOp);
+// The whole comparison of terminated texts of one form in host order, of which it is known that they are alike before
+// character `start`.
+long compareFrom(unsigned long start, const char* a, const char* b, const ByteWeights& table, unsigned cmpOp);
+long compareFrom(unsigned long start, const char* a, const char* b, const WideWeights& table, unsigned cmpOp);
 
 // Of texts that begin in words, the first character lowest, and go on above or have a terminator there.
 template <class Table>

@@ -41,24 +41,11 @@ unsigned operatorBits(unsigned short cmpOp) {
   return compareStrings(a, b, -1, KtLanguageContext::GetDefaultCmpOp());
 }
 
-kt::ByteCursor cursorOf(const char* text, const kt::ByteWeights& table) {
-  return {text, kt::TextRef::kToTerminator, &table};
-}
-kt::WideCursor cursorOf(const char* text, const kt::WideWeights& table) {
-  return {text, kt::TextRef::kToTerminator, &table, 0};
-}
-
-template <class Table>
-[[gnu::noinline]] long compareUndecided(unsigned long start, const char* a, const char* b, const Table& table,
-                                        unsigned cmpOp) {
-  return kt::compareFrom(start, cursorOf(a, table), cursorOf(b, table), cmpOp);
-}
-
 template <class Table>
 [[gnu::always_inline]] inline long compareTerminated(const char* a, const char* b, const Table& table, unsigned cmpOp) {
   const unsigned long start = kt::equalStart<Table::kCharSize>(a, b);
   if (const std::int32_t difference = kt::differenceAt(start, a, b, table)) return difference;
-  return compareUndecided(start, a, b, table, cmpOp);
+  return kt::compareFrom(start, a, b, table, cmpOp);
 }
 
 // The same arguments again, so that KtStrCmp jumps here and needs no stack frame on its short way.
