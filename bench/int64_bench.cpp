@@ -73,6 +73,16 @@ void scanStrtol(Int64Data& data) {
   for (const KtString& text : data.texts) keep(std::strtoll(text.buffer, nullptr, base));
 }
 
+// The digits alone: it knows neither prefixes nor what a base is called.
+void scanFromChars(Int64Data& data) {
+  const int base = opaque(data.base.base);
+  for (const KtString& text : data.texts) {
+    long long value = 0;
+    std::from_chars(text.buffer + data.base.prefix, text.buffer + text.bufferSize - 1, value, base);
+    keep(value);
+  }
+}
+
 bool printsAlike(Int64Data& data) {
   for (std::size_t i = 0; i < data.values.size(); ++i) {
     *std::to_chars(data.room, data.room + sizeof data.room, data.values[i].Value(), data.base.base).ptr = '\0';
@@ -100,7 +110,8 @@ void addJobs() {
         .contestant("to_chars", printToChars);
     Job<Int64Data>("scan_" + suffix, 0, kBatch, 0, make, scansAlike)
         .contestant("kttm", scanKttm)
-        .contestant("strtol", scanStrtol);
+        .contestant("strtol", scanStrtol)
+        .contestant("from_chars", scanFromChars);
   }
 }
 

@@ -205,11 +205,24 @@ template <unsigned kBase>
   return number;
 }
 
+// As readDigits, of 17 to 24 characters.
+template <unsigned kBase>
+inline ReadNumber readThreeWords(const char* p, unsigned long n) {
+  const unsigned long first = n - 16;
+  const std::uint64_t front = fromZero(readWord<std::uint64_t>(p)) << (64 - 8 * first);
+  std::uint64_t high, middle, low;
+  const std::uint64_t bad = digitValues<kBase>(front, high) |
+                            digitValues<kBase>(fromZero(readWord<std::uint64_t>(p + first)), middle) |
+                            digitValues<kBase>(fromZero(readWord<std::uint64_t>(p + first + 8)), low);
+  const std::uint64_t head = joinDigits<kBase>(high) * kEightDigits<kBase> + joinDigits<kBase>(middle);
+  return {head * kEightDigits<kBase> + joinDigits<kBase>(low), bad == 0};
+}
+
 // As readDigits, of characters the first of which may be followed by fifteen more bytes, readable though without meaning.
 // Where there are one to sixteen characters nothing depends on a branch: how many they are cannot be predicted.
 template <unsigned kBase>
 inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
-  if (n - 1 > 15) return readDigits<kBase>(p, n);
+  if (n - 1 > 15) return n - 17 < 8 ? readThreeWords<kBase>(p, n) : readDigits<kBase>(p, n);
   const unsigned long hasTwoWords = (n - 1) / 8;
   const unsigned long first = (n - 8) & (0 - hasTwoWords);  // characters of the first of two words
   // Each moves to the end of its word; what lies behind the text falls out.
