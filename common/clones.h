@@ -4,7 +4,9 @@
 // non-template functions with internal linkage and call them from the same file: g++ does not link the clones of a
 // hidden function that another file declares. Give each a name that no other file of its library uses: clang makes
 // the choosing function global. Helpers that a clone should compile for its own instructions are always_inline.
-// It is empty where the loader cannot choose (no glibc on ELF, no x86-64), where sanitizers instrument the choice
+// KT_FOR_AVX2 is defined where KT_CLONES does something: for loops that wider vectors want to be written anew. Whoever
+// calls one asks hasAvx2() first.
+// KT_CLONES is empty where the loader cannot choose (no glibc on ELF, no x86-64), where sanitizers instrument the choice
 // itself, which runs before their runtime is up, and in builds without optimisation.
 #ifndef KT_CLONES_H
 #define KT_CLONES_H
@@ -21,8 +23,15 @@
 
 #if defined(__ELF__) && defined(__x86_64__) && defined(__GLIBC__) && defined(__OPTIMIZE__) && !defined(KT_SANITIZED)
 #define KT_CLONES __attribute__((target_clones("avx2", "default")))
+#define KT_FOR_AVX2 __attribute__((target("avx2")))
 #else
 #define KT_CLONES
+#endif
+
+#if defined(KT_FOR_AVX2)
+namespace kt {
+inline bool hasAvx2() { return __builtin_cpu_supports("avx2"); }
+}  // namespace kt
 #endif
 
 #endif

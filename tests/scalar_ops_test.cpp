@@ -8,7 +8,10 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <random>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -311,14 +314,25 @@ TEST(ScalarOps, hashes_are_the_exclusive_or_of_words_times_the_factor_in_every_f
   EXPECT_EQ(mgr.Hash(KT_ID_short, 0, shorts, 0, 8, status), 0u);
 }
 
+// Numbers of either sign, next to none the exceptions of the hash: zeros, NaNs, and what looks like them in its upper half.
+std::pair<double, double> equalDoubles(std::mt19937& random, unsigned exceptions) {
+  const double number = (static_cast<double>(random()) - 2e9) / 7;
+  if (random() % 1000 >= exceptions) return {number, number};
+  switch (random() % 4) {
+    case 0: return {0.0, -0.0};
+    case 1: return {std::nan("1"), -std::nan("2")};
+    case 2: return {-5e-324, -5e-324};
+    default: return {-HUGE_VAL, -HUGE_VAL};
+  }
+}
+
 TEST(ScalarOps, equal_numbers_hash_alike_in_every_form_and_run_length) {
-  for (unsigned long count : {1ul, 63ul, 64ul, 65ul, 300ul}) {
-    std::vector<double> values(count, 1.25);
-    std::vector<double> same = values;
-    values[count / 2] = 0.0;
-    same[count / 2] = -0.0;
-    values[count - 1] = std::nan("1");
-    same[count - 1] = std::nan("2");
+  std::mt19937 random(3);
+  for (int round = 0; round < 400; ++round) {
+    const unsigned exceptions = round % 3 == 0 ? 0 : round % 3 == 1 ? 3 : 300;  // of a thousand
+    const unsigned long count = 1 + random() % 700;
+    std::vector<double> values(count), same(count);
+    for (unsigned long i = 0; i < count; ++i) std::tie(values[i], same[i]) = equalDoubles(random, exceptions);
     std::vector<unsigned char> disk(count * 8 + 1);
     int status;
     const unsigned long hash = mgr.Hash(KT_ID_double, 0, values.data(), count, 8, status);
@@ -326,6 +340,9 @@ TEST(ScalarOps, equal_numbers_hash_alike_in_every_form_and_run_length) {
       mgr.Store(KT_ID_double, disk.data() + 1, same.data(), format, count);
       EXPECT_EQ(mgr.Hash(KT_ID_double, 0, disk.data() + 1, count, format, status), hash) << count;
     }
+    values[count - 1] += 1;
+    const bool isSame = same[count - 1] == values[count - 1] || std::isnan(values[count - 1]);
+    EXPECT_EQ(mgr.Hash(KT_ID_double, 0, values.data(), count, 8, status) == hash, isSame) << count;
   }
 }
 
