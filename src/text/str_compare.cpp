@@ -4,6 +4,7 @@
 #include "byte_order.h"
 #include "str_levels.h"
 #include "str_pattern.h"
+#include "string_block.h"
 
 namespace kt {
 
@@ -119,14 +120,17 @@ std::int32_t differenceBehind(unsigned long index, const Cursor& a, const Cursor
                            primaryAt(*b.table(), b.data(), index + (k2 & kIgnorable)));
 }
 
-// What a primary difference decides between terminated texts that are alike before x and y, or 0. Characters that differ
-// in case or diacritics only are passed over on both sides, an ignorable one on its own side; behind it the texts are
-// compared anew.
-template <class Table>
-[[gnu::always_inline]] inline std::int32_t walkToPrimary(const char* x, const char* y, const Table& table) {
+// --- two texts of one form in host order, whole ---------------------------------------------------------------------
+
+// What a primary difference decides between texts that are in step at x and y, or 0. Characters that differ in case or
+// diacritics only are passed over on both sides, an ignorable one on its own side; behind it the texts are compared anew.
+// toDifference(x, y) goes on to the next difference or end, or answers false. Bytes behind the end of a text do not
+// matter: the end itself differs, or ends both.
+template <class Table, class ToDifference>
+[[gnu::always_inline]] inline std::int32_t walkToPrimary(const char* x, const char* y, const Table& table,
+                                                         ToDifference toDifference) {
   constexpr unsigned long kSize = Table::kCharSize;
-  for (;;) {
-    for (; isSameCharacter<kSize>(x, y, 0); x += kSize) y += kSize;
+  while (toDifference(x, y)) {
     const Weight k1 = primaryAt(table, x, 0);
     const Weight k2 = primaryAt(table, y, 0);
     if (const std::int32_t difference = decidedDifference(k1, k2)) return difference;
@@ -135,48 +139,63 @@ template <class Table>
     x += kSize * (inStep | (k1 & kIgnorable));
     y += kSize * (inStep | (k2 & kIgnorable));
   }
+  return 0;
 }
 
-ByteCursor cursorOf(const char* text, const ByteWeights& table) { return {text, TextRef::kToTerminator, &table}; }
-WideCursor cursorOf(const char* text, const WideWeights& table) { return {text, TextRef::kToTerminator, &table, 0}; }
+ByteCursor cursorOf(const char* text, unsigned long limit, const ByteWeights& table) { return {text, limit, &table}; }
+WideCursor cursorOf(const char* text, unsigned long limit, const WideWeights& table) {
+  return {text, limit, &table, 0};
+}
+
+// Where no primary difference was found so. The texts are alike before character `start`.
+template <class Cursor>
+[[gnu::always_inline]] inline long compareRest(unsigned long start, const Cursor& a, const Cursor& b, unsigned cmpOp) {
+  return compareSteps(a, b, cmpOp, stepBefore(start, a));
+}
+
+template <class Table>
+[[gnu::noinline]] long walkBlocks(const TextBlock& a, const TextBlock& b, const Table& table, unsigned cmpOp) {
+  constexpr unsigned long kSize = Table::kCharSize;
+  const char* const lastX = a.text + blockSize(a.size) - kFirstBytes;
+  const char* const lastY = b.text + blockSize(b.size) - kFirstBytes;
+  unsigned long first = ~0ul;
+  const auto toDifference = [&](const char*& x, const char*& y) {
+    for (; x <= lastX && y <= lastY; x += kFirstBytes, y += kFirstBytes) {
+      const std::uint32_t mask = differences16<kSize>(x, y);
+      if (mask == 0) continue;
+      const unsigned at = lowestBit(mask) & ~(static_cast<unsigned>(kSize) - 1);
+      x += at;
+      y += at;
+      first = std::min(first, static_cast<unsigned long>(x - a.text));
+      return true;
+    }
+    first = std::min(first, static_cast<unsigned long>(x - a.text));
+    return false;
+  };
+  if (const std::int32_t primary = walkToPrimary(a.text, b.text, table, toDifference)) return primary;
+  return compareRest(first / kSize, cursorOf(a.text, a.size / kSize - 1, table),
+                     cursorOf(b.text, b.size / kSize - 1, table), cmpOp);
+}
+
+template <class Table>
+[[gnu::always_inline]] inline long compareBlocks(const TextBlock& a, const TextBlock& b, const Table& table,
+                                                 unsigned cmpOp) {
+  if (const std::int32_t difference = laterDifferenceInBlocks(a.text, b.text, table)) return difference;
+  return walkBlocks(a, b, table, cmpOp);
+}
 
 template <class Table>
 [[gnu::always_inline]] inline long compareBehind(unsigned long start, const char* a, const char* b, const Table& table,
                                                  unsigned cmpOp) {
-  const unsigned long bytes = start * Table::kCharSize;
-  if (const std::int32_t primary = walkToPrimary(a + bytes, b + bytes, table)) return primary;
-  const auto x = cursorOf(a, table);
-  return compareSteps(x, cursorOf(b, table), cmpOp, stepBefore(start, x));
-}
-
-// What a primary difference decides, or 0, and then the place of the first difference of any kind. As long as both texts
-// have letters that differ in case or diacritics only, they stay in step, and the masks show where to look next.
-template <class Cursor>
-[[gnu::always_inline]] inline std::int32_t differenceInStep(const Cursor& a, const Cursor& b, unsigned long& first) {
-  constexpr unsigned long kSize = Cursor::kCharSize;
-  constexpr std::uint32_t kCharacter = (1u << kSize) - 1;
-  const unsigned long end = std::min(a.limit(), b.limit());
-  first = end;
-  for (unsigned long base = 0; base <= end * kSize; base += kFirstBytes) {
-    std::uint32_t mask = differences16<kSize>(a.data() + base, b.data() + base);
-    while (mask != 0) {
-      const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(kSize) - 1);
-      const unsigned long at = (base + bit) / kSize;
-      first = std::min(first, at);
-      const Weight k1 = primaryAt(*a.table(), a.data(), at);
-      if (k1 != primaryAt(*b.table(), b.data(), at) || (k1 & kLevelMask) != 0) return differenceBehind(at, a, b);
-      if (k1 == 0) return 0;
-      mask &= ~(kCharacter << bit);
-    }
-  }
-  return 0;
-}
-
-template <class Cursor>
-[[gnu::always_inline]] inline long compareBlocks(const Cursor& a, const Cursor& b, unsigned cmpOp) {
-  unsigned long first;
-  if (const std::int32_t primary = differenceInStep(a, b, first)) return primary;
-  return compareSteps(a, b, cmpOp, stepBefore(first, a));
+  constexpr unsigned long kSize = Table::kCharSize;
+  const auto toDifference = [](const char*& x, const char*& y) {
+    for (; isSameCharacter<kSize>(x, y, 0); x += kSize) y += kSize;
+    return true;
+  };
+  const unsigned long bytes = start * kSize;
+  if (const std::int32_t primary = walkToPrimary(a + bytes, b + bytes, table, toDifference)) return primary;
+  return compareRest(start, cursorOf(a, TextRef::kToTerminator, table), cursorOf(b, TextRef::kToTerminator, table),
+                     cmpOp);
 }
 
 template <class A, class B>
@@ -223,8 +242,12 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 
 }  // namespace
 
-long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
-long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp) { return compareBlocks(a, b, cmpOp); }
+long compareInBlocks(const TextBlock& a, const TextBlock& b, const ByteWeights& table, unsigned cmpOp) {
+  return compareBlocks(a, b, table, cmpOp);
+}
+long compareInBlocks(const TextBlock& a, const TextBlock& b, const WideWeights& table, unsigned cmpOp) {
+  return compareBlocks(a, b, table, cmpOp);
+}
 
 long compareFrom(unsigned long start, const char* a, const char* b, const ByteWeights& table, unsigned cmpOp) {
   return compareBehind(start, a, b, table, cmpOp);

@@ -73,9 +73,36 @@ template <unsigned long kCharSize, class Table>
   return mask != 0 ? differenceAt(lowestBit(mask) / kCharSize, a, b, table) : 0;
 }
 
-// The whole comparison of such texts, in blocks that hold what lies in the same 16 bytes as the terminator.
-long compareInBlocks(const ByteCursor& a, const ByteCursor& b, unsigned cmpOp);
-long compareInBlocks(const WideCursor& a, const WideCursor& b, unsigned cmpOp);
+// The same where the first difference does not decide: characters that differ in case or diacritics only are passed
+// over, then an ignorable one on either side. Without a branch between, as neither can be predicted.
+template <class Table>
+[[gnu::always_inline]] inline std::int32_t laterDifferenceInBlocks(const char* a, const char* b, const Table& table) {
+  constexpr unsigned long kCharSize = Table::kCharSize;
+  constexpr std::uint64_t kCharacter = (1u << kCharSize) - 1, kEnd = std::uint64_t{1} << 2 * kFirstBytes;
+  constexpr unsigned kPerCharacter = ~static_cast<unsigned>(kCharSize - 1);
+  const std::uint64_t high = differences16<kCharSize>(a + kFirstBytes, b + kFirstBytes);
+  const std::uint64_t mask = kEnd | high << kFirstBytes | differences16<kCharSize>(a, b);
+  const unsigned first = static_cast<unsigned>(std::countr_zero(mask)) & kPerCharacter;
+  const std::uint64_t rest = kEnd | (mask & ~(kCharacter << first));
+  const unsigned second = static_cast<unsigned>(std::countr_zero(rest)) & kPerCharacter;
+  const Weight k1 = primaryAt(table, a, first / kCharSize);
+  const Weight k2 = primaryAt(table, b, first / kCharSize);
+  if (k1 == k2 && (k1 == 0 || k1 == kSeveral)) return 0;
+  const unsigned long at = (k1 == k2 ? second : first) / kCharSize;
+  const Weight q1 = primaryAt(table, a, at);
+  const Weight q2 = primaryAt(table, b, at);
+  return decidedDifference(primaryAt(table, a, at + (q1 & kIgnorable)), primaryAt(table, b, at + (q2 & kIgnorable)));
+}
+
+// A text of that many bytes, with its terminator, in a block of blockSize() bytes.
+struct TextBlock {
+  const char* text;
+  unsigned long size;
+};
+
+// The whole comparison of such texts.
+long compareInBlocks(const TextBlock& a, const TextBlock& b, const ByteWeights& table, unsigned cmpOp);
+long compareInBlocks(const TextBlock& a, const TextBlock& b, const WideWeights& table, unsigned cmpOp);
 
 // Leading characters that terminated texts have in common, wherever they lie. They are read one by one: a text may end
 // at the end of a page.

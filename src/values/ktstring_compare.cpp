@@ -79,16 +79,14 @@ namespace kt {
 bool compareAlike(const KtString& a, const KtString& b, unsigned cmpOp, long& result) {
   const StringFields x(a), y(b);
   if (!areAlike(x, y)) return false;
+  const TextBlock first{a.buffer, x.size()}, second{b.buffer, y.size()};
   if (const ByteWeights* table = usualByteWeights(x.codes())) {
-    result =
-        compareInBlocks(ByteCursor(a.buffer, x.size() - 1, table), ByteCursor(b.buffer, y.size() - 1, table), cmpOp);
+    result = compareInBlocks(first, second, *table, cmpOp);
     return true;
   }
   const WideWeights* table = usualWideWeights(x.codes());
-  const unsigned long unitsA = x.size() / 2, unitsB = y.size() / 2;
-  if (table == nullptr || !endsBySize(a, unitsA) || !endsBySize(b, unitsB)) return false;
-  result =
-      compareInBlocks(WideCursor(a.buffer, unitsA - 1, table, 0), WideCursor(b.buffer, unitsB - 1, table, 0), cmpOp);
+  if (table == nullptr || !endsBySize(a, x.size() / 2) || !endsBySize(b, y.size() / 2)) return false;
+  result = compareInBlocks(first, second, *table, cmpOp);
   return true;
 }
 
