@@ -358,8 +358,12 @@ void estimate(const Row& row, const Sample* sample, Findings& findings) {
       if (high == nullptr || compare(row, a.in(form), high->in(form), form) > 0) high = &a;
     }
     for (unsigned short flags = 0; flags < 8; ++flags) checkBounds(row, all.front(), all, form, flags, findings);
-    const float whole = sharesOf(row, all.front(), form, *low, *high)[7];
-    require(sample->source == Sample::kNull || whole > 0.999F, findings, code(form), ": of all it selects ", whole);
+    const Shares ofAll = sharesOf(row, all.front(), form, *low, *high);
+    if (sample->source == Sample::kNull) {
+      require(ofAll[2] < 0.5F, findings, code(form), ": less than null are ", ofAll[2]);
+    } else {
+      require(ofAll[7] > 0.999F, findings, code(form), ": of all it selects ", ofAll[7]);
+    }
   }
 }
 
@@ -408,7 +412,7 @@ void checkNullRun(const Row& row, unsigned long count, Findings& findings) {
 void checkNullText(const Row& row, const Sample& sample, const Sample& null, Findings& findings) {
   KtTypeMgr& mgr = managerOf(row);
   const Values nothing = make(row, null);
-  KtString text;
+  KtString text("replaced");
   mgr.PrintToKtString(row.id, text, nothing.get(), nullptr, 1);
   require(text == KtTypeMgr::GetNullPrintString(), findings, "null prints ", text.StrGet());
   const KtString converted = convertTo(row, nothing.get());

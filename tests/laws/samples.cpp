@@ -244,8 +244,10 @@ const std::vector<Row>& rows() {
        "(%Cv%V)",
        {null(), text("zero", "(0v0)"), text("version", "(0v2)"), text("one", "(1v0)"), text("high_byte", "(256v1)"),
         text("no_version", "(65535v65534)")},
-       bigEndianIds() + Exceptions{{"hash_spreads", "*", "", "both words are exclusive-ored"},
-                                   {"null", "", "the default is null", "asked for or not"}}},
+       bigEndianIds() +
+           Exceptions{{"hash_spreads", "*", "", "both words are exclusive-ored"},
+                      {"null", "", "the default is null", "asked for or not"},
+                      {"estimate", "null", "less than null are 1", "all, whatever the key and the flags"}}},
       {KT_ID_KtRef,
        "ref",
        "%D:%H-%L#%B,%Cv%V",
