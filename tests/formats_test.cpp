@@ -281,6 +281,26 @@ TEST(Formats, the_document_shows_the_golden_examples_in_their_sections_and_no_ot
   EXPECT_EQ(differing, std::set<std::string>{});
 }
 
+// A link to a section is its title in small letters, with hyphens for blanks.
+std::string linkTo(std::string section) {
+  for (char& c : section) c = c == ' ' ? '-' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return "](#" + section + ")";
+}
+
+TEST(Formats, the_table_of_the_document_leads_to_every_section_and_names_every_type_with_examples) {
+  std::ifstream page(KT_TESTS_DIR "/../" + kPage);
+  std::string contents;
+  for (std::string line; std::getline(page, line) && line.find("## ") != 0;)
+    if (line[0] == '|') contents += line;
+  std::set<std::string> missing;
+  for (const Example& example : goldenExamples()) {
+    if (contents.find(linkTo(example.section)) == std::string::npos) missing.insert(example.section);
+    const std::string type = example.file.substr(0, example.file.find('.'));
+    if (type.find("KtNull_") != 0 && contents.find("`" + type + "`") == std::string::npos) missing.insert(type);
+  }
+  EXPECT_EQ(missing, std::set<std::string>{});
+}
+
 TEST(Formats, public_headers_lead_to_sections_of_the_document) {
   std::set<std::string> sections, astray;
   documentedExamples(&sections);
