@@ -95,7 +95,7 @@ struct Convert {
   }
 };
 
-const char kExamples[] =
+const char kConvertExamples[] =
     "Examples:\n"
     "  kttm convert --from windows-1252 --to unicode 80e9\n"
     "                                           # 20ac00e9\n"
@@ -105,7 +105,7 @@ const char kExamples[] =
 }  // namespace
 
 void addConvert(CLI::App& app) {
-  addCommand<Convert>(app, "convert", "Converts characters from one code set to another", kExamples);
+  addCommand<Convert>(app, "convert", "Converts characters from one code set to another", kConvertExamples);
 }
 
 }  // namespace tool

@@ -59,7 +59,7 @@ struct Decode {
   }
 };
 
-const char kExamples[] =
+const char kDecodeExamples[] =
     "Examples:\n"
     "  kttm decode KtWord 0100ffff              # 1\n"
     "                                           # 65535\n"
@@ -70,7 +70,7 @@ const char kExamples[] =
 }  // namespace
 
 void addDecode(CLI::App& app) {
-  addCommand<Decode>(app, "decode", "Turns stored bytes into texts, one line a value", kExamples);
+  addCommand<Decode>(app, "decode", "Turns stored bytes into texts, one line a value", kDecodeExamples);
 }
 
 }  // namespace tool

@@ -46,7 +46,7 @@ struct Encode {
   }
 };
 
-const char kExamples[] =
+const char kEncodeExamples[] =
     "Examples:\n"
     "  kttm encode short 1 -2                   # 0100feff\n"
     "  kttm encode int 258 -1 --format big --each\n"
@@ -58,7 +58,7 @@ const char kExamples[] =
 }  // namespace
 
 void addEncode(CLI::App& app) {
-  addCommand<Encode>(app, "encode", "Turns texts into the bytes that are stored", kExamples);
+  addCommand<Encode>(app, "encode", "Turns texts into the bytes that are stored", kEncodeExamples);
 }
 
 }  // namespace tool

@@ -9,8 +9,6 @@
 namespace tool {
 namespace {
 
-constexpr unsigned char kIndexKey = 0x80;  // asks for the form that a value has in an index
-
 struct Comparison {
   const char* text;
   unsigned short flags;
@@ -120,7 +118,7 @@ struct Estimate {
   }
 };
 
-const char kExamples[] =
+const char kEstimateExamples[] =
     "Examples: a scan that is bounded on one side, and a key of two elements\n"
     "  kttm estimate long 10 --op '<' --low 0 --high 99 --format big\n"
     "                                           # selects 0.1\n"
@@ -134,7 +132,8 @@ const char kExamples[] =
 
 void addEstimate(CLI::App& app) {
   addCommand<Estimate>(app, "estimate",
-                       "Estimates the share of an index that a comparison selects, and bounds the scan", kExamples);
+                       "Estimates the share of an index that a comparison selects, and bounds the scan",
+                       kEstimateExamples);
 }
 
 }  // namespace tool

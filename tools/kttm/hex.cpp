@@ -14,8 +14,6 @@ int digitValue(char c) {
   return -1;
 }
 
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 }  // namespace
 
 std::string toHex(const Bytes& bytes) {

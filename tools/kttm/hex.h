@@ -9,6 +9,8 @@ namespace tool {
 
 using Bytes = std::vector<unsigned char>;
 
+inline bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 std::string toHex(const Bytes& bytes);  // lower case, no blanks
 
 // Blanks and line ends between digits are skipped. Throws Error for anything else and for an odd number of digits.

@@ -5,7 +5,6 @@
 namespace tool {
 namespace {
 
-constexpr unsigned char kIndexKey = 0x80;
 constexpr unsigned long kSmallestKey = 6;
 constexpr unsigned long kLargestKey = 65537;
 
@@ -42,7 +41,7 @@ struct Key {
   }
 };
 
-const char kExamples[] =
+const char kKeyExamples[] =
     "Examples: whole keys, and a key that is cut between two characters\n"
     "  kttm key aB --format big                 # 000c010101400c200140100000ff\n"
     "  kttm key aB --format big --size 10       # 0008010101400c20ffff";
@@ -50,7 +49,7 @@ const char kExamples[] =
 }  // namespace
 
 void addKey(CLI::App& app) {
-  addCommand<Key>(app, "key", "Prints the index key of each text, in hexadecimal", kExamples);
+  addCommand<Key>(app, "key", "Prints the index key of each text, in hexadecimal", kKeyExamples);
 }
 
 }  // namespace tool

@@ -11,7 +11,6 @@
 namespace tool {
 namespace {
 
-constexpr unsigned char kAnyFormat = 2;
 constexpr unsigned short kAllFlags = 0xFFFF;
 
 // Values that differ, as far as the type can make them: its default value and what these texts convert to, the last of
@@ -64,14 +63,14 @@ bool makesValues(const Probe& probe) {
 bool hasDefault(const Probe& probe) { return probe.type.hasValues; }
 
 bool tellsSize(const Probe& probe) {
-  return probe.any([&](void* value) { return storedSize(probe.type.id, value, kAnyFormat, 1) > 0; });
+  return probe.any([&](void* value) { return storedSize(probe.type.id, value, kAnyDiskForm, 1) > 0; });
 }
 
 bool tellsSizeInFile(const Probe& probe) {
   return probe.any([&](void* value) {
-    const Bytes bytes = stored(probe.type.id, value, kAnyFormat, 1);
+    const Bytes bytes = stored(probe.type.id, value, kAnyDiskForm, 1);
     MemFile file(bytes.data(), bytes.size());
-    return manager().DiskLenGetFromMemFile(probe.type.id, &file, kAnyFormat, 1) > 0;
+    return manager().DiskLenGetFromMemFile(probe.type.id, &file, kAnyDiskForm, 1) > 0;
   });
 }
 
@@ -107,8 +106,8 @@ bool convertsFrom(const Probe& probe) { return probe.samples.size() > 1; }
 
 bool translates(const Probe& probe) {
   return probe.any([&](void* value) {
-    Bytes bytes(storedSize(probe.type.id, value, kAnyFormat, 1));
-    return manager().Translate(probe.type.id, bytes.data(), kAnyFormat, bytes.size(), value, kMemoryForm,
+    Bytes bytes(storedSize(probe.type.id, value, kAnyDiskForm, 1));
+    return manager().Translate(probe.type.id, bytes.data(), kAnyDiskForm, bytes.size(), value, kMemoryForm,
                                manager().MemLenGet(probe.type.id, 1), 1) > 0;
   });
 }

@@ -49,7 +49,7 @@ struct Order {
   }
 };
 
-const char kExamples[] =
+const char kOrderExamples[] =
     "Examples: character, order, and what the order says; a character may have more orders than one\n"
     "  kttm order Äb7                           # U+00C4  430c  Ä  upper letter A with diaeresis\n"
     "                                           # U+0062  5010  b  lower letter b\n"
@@ -59,7 +59,7 @@ const char kExamples[] =
 }  // namespace
 
 void addOrder(CLI::App& app) {
-  addCommand<Order>(app, "order", "Shows the collation orders of a text, in hexadecimal and in words", kExamples);
+  addCommand<Order>(app, "order", "Shows the collation orders of a text, in hexadecimal and in words", kOrderExamples);
 }
 
 }  // namespace tool

@@ -13,7 +13,6 @@
 namespace tool {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Lower case, single blanks, none at the ends, numbers without leading zeros.
@@ -79,7 +78,6 @@ Values trialValue(const Type& type, unsigned char byte) {
 }
 
 constexpr unsigned char kTrialBytes[] = {0x00, 0xFF};
-constexpr unsigned char kAnyFormat = 2;
 
 }  // namespace
 
@@ -89,7 +87,7 @@ Reader::Reader(const Type& type, ReadOptions options) : type_(type), options_(st
   Values value = trialValue(type_, kTrialBytes[0]);
   KtString text("?");
   manager().ScanFromKtString(type_.id, value.at(0), text, format(), 1);
-  nonsense_ = stored(type_.id, value.at(0), kAnyFormat, 1);
+  nonsense_ = stored(type_.id, value.at(0), kAnyDiskForm, 1);
 }
 
 Values Reader::readAll(const std::vector<std::string>& texts) const {
@@ -126,7 +124,7 @@ bool Reader::scanDecides(const std::string& text) const {
   for (std::size_t i = 0; i < results.size(); ++i) {
     Values value = trialValue(type_, kTrialBytes[i]);
     scan(text, value.at(0));
-    results[i] = stored(type_.id, value.at(0), kAnyFormat, 1);
+    results[i] = stored(type_.id, value.at(0), kAnyDiskForm, 1);
   }
   return results[0] == results[1];
 }
@@ -140,7 +138,7 @@ bool Reader::tellsTheSame(const std::string& text, void* value) const {
 
 bool Reader::isOwnWord(const std::string& text, void* value) const {
   if (options_.converted || std::strchr(format(), '%') != nullptr) return false;
-  return text == "0" || stored(type_.id, value, kAnyFormat, 1) != nonsense_;
+  return text == "0" || stored(type_.id, value, kAnyDiskForm, 1) != nonsense_;
 }
 
 void Reader::refuse(const std::string& text, const std::string& becomes) const {

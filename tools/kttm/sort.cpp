@@ -45,9 +45,9 @@ bool hasWildFields(const Type& type, unsigned short op) {
 }
 
 // -1, 0 or 1, of values in memory.
-class Order {
+class ValueOrder {
 public:
-  Order(const Type& type, unsigned short op) : id_(type.id), op_(op), asStored_(hasWildFields(type, op)) {}
+  ValueOrder(const Type& type, unsigned short op) : id_(type.id), op_(op), asStored_(hasWildFields(type, op)) {}
   int operator()(void* a, void* b) const {
     if (!asStored_) return compared(id_, a, b, op_);
     Bytes first = stored(id_, a, kDisk, 1);
@@ -64,14 +64,14 @@ private:
 // Values that have no place in an order (a NaN) are equal to everything, also to two values that differ.
 class Placeable {
 public:
-  Placeable(const Type& type, const Order& order)
+  Placeable(const Type& type, const ValueOrder& order)
       : order_(order), low_(Values::converted(type, KtString("0"))), high_(Values::converted(type, KtString("1"))) {}
   bool operator()(void* value) const {
     return order_(low_.at(0), high_.at(0)) == 0 || order_(value, low_.at(0)) != 0 || order_(value, high_.at(0)) != 0;
   }
 
 private:
-  Order order_;
+  ValueOrder order_;
   Values low_;
   Values high_;
 };
@@ -99,7 +99,7 @@ struct Sort {
     return static_cast<unsigned short>(bits == KtCMP_DEFAULT ? KtCMP_NO_WILDCARDS : bits | KtCMP_NO_WILDCARDS);
   }
 
-  Values readLines(const Type& which, const std::vector<std::string>& lines, const Order& order) const {
+  Values readLines(const Type& which, const std::vector<std::string>& lines, const ValueOrder& order) const {
     const Reader reader(which, read.options());
     const Placeable placeable(which, order);
     Values values(which, lines.size());
@@ -119,7 +119,7 @@ struct Sort {
   void run() const {
     const Type which = parseType(text(*type, ""));
     requireValues(which);
-    const Order compare(which, orderOperator());
+    const ValueOrder compare(which, orderOperator());
     const std::vector<std::string> lines = splitLines(readFile(text(*file, "-")));
     if (lines.empty()) return;
     const Values values = readLines(which, lines, compare);
@@ -134,7 +134,7 @@ struct Sort {
   }
 };
 
-const char kExamples[] =
+const char kSortExamples[] =
     "Examples:\n"
     "  printf '10\\n9\\n' | kttm sort int       # 9\n"
     "                                           # 10\n"
@@ -144,6 +144,6 @@ const char kExamples[] =
 
 }  // namespace
 
-void addSort(CLI::App& app) { addCommand<Sort>(app, "sort", "Sorts lines in the order of a type", kExamples); }
+void addSort(CLI::App& app) { addCommand<Sort>(app, "sort", "Sorts lines in the order of a type", kSortExamples); }
 
 }  // namespace tool

@@ -12,7 +12,6 @@ namespace tool {
 namespace {
 
 constexpr unsigned char kLatin1 = 1;
-constexpr unsigned char kUnicode = 253;
 constexpr std::size_t kLongestText = 32767;  // bytes that one library call decodes
 
 [[noreturn]] void throwBadText(const std::string& text) { throw Error(quoted(text) + " is not valid UTF-8"); }

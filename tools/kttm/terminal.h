@@ -10,6 +10,8 @@
 
 namespace tool {
 
+constexpr unsigned char kUnicode = 253;  // the code set of 16-bit characters
+
 // How a text becomes a string.
 struct TextOptions {
   std::optional<unsigned char> codeSet;  // not given: ISO 8859-1 where all characters fit, else Unicode

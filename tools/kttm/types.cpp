@@ -108,7 +108,7 @@ struct Types {
   }
 };
 
-const char kExamples[] =
+const char kTypesExamples[] =
     "Examples: one type in words, by name and by id; and which operations each type offers\n"
     "  kttm types KtDate\n"
     "  kttm types 12\n"
@@ -116,6 +116,6 @@ const char kExamples[] =
 
 }  // namespace
 
-void addTypes(CLI::App& app) { addCommand<Types>(app, "types", "Lists the types and what they offer", kExamples); }
+void addTypes(CLI::App& app) { addCommand<Types>(app, "types", "Lists the types and what they offer", kTypesExamples); }
 
 }  // namespace tool

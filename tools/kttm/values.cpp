@@ -55,7 +55,6 @@ std::optional<std::string> conversionOf(const Type& type, void* value) {
 }
 
 std::string printed(const Type& type, void* value, const char* format, bool converted) {
-  constexpr unsigned char kUnicode = 253;
   if (converted) {
     const std::optional<std::string> text = conversionOf(type, value);
     if (!text) throw Error(type.name + " offers no conversion to text");

@@ -10,7 +10,9 @@
 
 namespace tool {
 
-constexpr unsigned char kMemoryForm = 8;  // the format code of values in memory
+constexpr unsigned char kMemoryForm = 8;   // the format code of values in memory
+constexpr unsigned char kAnyDiskForm = 2;  // one of disk, where it does not matter which
+constexpr unsigned char kIndexKey = 0x80;  // asks for the form that a value has in an index
 
 // Owns an array in memory form.
 class Values {
