@@ -44,7 +44,7 @@ bool isNullOrTruth(unsigned char byte) { return byte < 2 || byte == 0xFF; }
 // Nulls are equal whatever text they hold; code set 255 is hashed by its bytes, and compared by its units.
 bool isOwnString(const KtString& s) { return s.IsNullValue() != 0 || s.codeSet == 255; }
 
-// Values that are equal and hash apart, or the other way round; docs/decisions.md tells which and why.
+// Values that are equal and hash apart, or the other way round; docs/decisions tells which and why.
 bool mayHashApart(const RowCase& c, const void* a, const void* b) {
   switch (c.id) {
     case KT_ID_KtString:

@@ -1,4 +1,5 @@
-// _ktnulty.h - how null orders: before every value, and equal to null.
+// _ktnulty.h - how null orders: before every value, and equal to null. What it is in each type, and how it hashes and
+// prints: docs/types.md, Null.
 #ifndef KTNULTY_H
 #define KTNULTY_H
 

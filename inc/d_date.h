@@ -22,7 +22,7 @@ class d_Timestamp;
 // Order:  != gives the days between two dates: negative, 0, positive; the other relational operators 1 or 0, by it. The
 //         disk form is compared field by field, its years as unsigned numbers, see d_DateCompare.
 // Size:   4 bytes.
-// Disk:   docs/formats.md, ODMG types: 4 bytes: the year in the byte order of the format code, month, day.
+// Disk:   docs/formats/dates.md, ODMG types: 4 bytes: the year in the byte order of the format code, month, day.
 // Text:   by a format, see ktdate.h, the time being midnight; %a and %A print the weekday of the Gregorian calendar. The
 //         row's format is "%a %b %e".
 // Status: nothing here fails. Moving a date of any fields makes a date that exists.

@@ -12,7 +12,7 @@
 // Null:   none.
 // Order:  that of the numbers; a NaN is neither below nor above anything.
 // Size:   4 bytes.
-// Disk:   docs/formats.md, ODMG types: 4 bytes: the float in the byte order of the format code.
+// Disk:   docs/formats/dates.md, ODMG types: 4 bytes: the float in the byte order of the format code.
 // Text:   as days, hours, minutes and seconds by a format, see ktdate.h; the row's format is "%e days, %I hours, %M
 //         minutes, %S seconds". %I prints hours above 12 less 12, %H prints them all. Of the days the low 8 bits are
 //         printed, as a signed number: 200 days are "-56 days"; scanning reads two digits of them. The null print

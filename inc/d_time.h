@@ -20,7 +20,7 @@ class d_Timestamp;
 //         three-way comparison: -1, 0, 1; the other relational operators give 1 or 0 by it. The disk form is compared
 //         byte by byte, zone first, see d_TimeCompare.
 // Size:   6 bytes.
-// Disk:   docs/formats.md, ODMG types: 6 bytes: the fields in this order, whatever the format code.
+// Disk:   docs/formats/dates.md, ODMG types: 6 bytes: the fields in this order, whatever the format code.
 // Text:   by a format, see ktdate.h, the date being 0000-01-01. Hour and minute are printed less those of the zone, and
 //         get them back when scanned, field by field, without a carry; hundredths become 0. The row's format is
 //         "%I:%M:%S %p".

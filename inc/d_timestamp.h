@@ -19,7 +19,7 @@ class KtDateTime;
 // Order:  by the instant in universal time. != is a three-way comparison: -1, 0, 1; the other relational operators give
 //         1 or 0 by it. The disk form is compared as its date, then its time.
 // Size:   10 bytes.
-// Disk:   docs/formats.md, ODMG types: 10 bytes: the forms of the date and of the time.
+// Disk:   docs/formats/dates.md, ODMG types: 10 bytes: the forms of the date and of the time.
 // Text:   by a format, see ktdate.h; hour and minute as for d_Time. The row's format is "%a %b %e %I:%M:%S %p".
 // Status: nothing here fails.
 // Owner:  a plain value, trivially copyable.

@@ -20,7 +20,7 @@ struct BlobPrivate;
 // Null:   a blob without record. A new blob is empty, which is not null.
 // Order:  byte by byte, unsigned, then by length; null before all others.
 // Size:   one pointer.
-// Disk:   docs/formats.md, Blobs: a run has a header of 4 bytes, the size of what follows; then for each blob its
+// Disk:   docs/formats/blobs.md: a run has a header of 4 bytes, the size of what follows; then for each blob its
 //         length in 4 bytes, 0xFFFFFFFF for null, and its bytes. Numbers are big-endian under code 2, little-endian
 //         under every other.
 // Text:   "[BLOB,len=%L]", where %L is the length. Scanning knows null only.

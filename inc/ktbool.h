@@ -15,7 +15,7 @@ class KtString;
 // Order:  false before true. Over other bytes it is deliberately lopsided: a < b holds when a is 0 and b is 1 to 127,
 //         a > b when a is the greater signed byte; so 5 > 2, but not 2 < 5. There is no <= and no >=.
 // Size:   1 byte.
-// Disk:   docs/formats.md, KtBoolean: the byte, whatever the format code.
+// Disk:   docs/formats/numbers.md, KtBoolean: the byte, whatever the format code.
 // Text:   "TRUE" for the byte 1, the null print string for null, else "FALSE". Formats are ignored.
 // Status: scanning cannot fail: unknown text is false.
 // Owner:  a plain value, trivially copyable.

@@ -17,7 +17,7 @@ class KtString;
 // Null:   both 65535. A new class id is 0 and 0, which is not null; the type's default value is null.
 // Order:  null first, then the class number, then the version, both unsigned.
 // Size:   4 bytes.
-// Disk:   docs/formats.md, Identities: 4 bytes: class number, version (2 each), big-endian under code 2, little-endian
+// Disk:   docs/formats/identities.md: 4 bytes: class number, version (2 each), big-endian under code 2, little-endian
 //         under every other.
 // Text:   "(%Cv%V)"; see ScanFromKtString. Null prints as the null print string.
 // Status: scanning cannot fail: what a text does not give is 0.

@@ -33,7 +33,7 @@ constexpr std::int32_t stored32(long number) { return wrapped(static_cast<std::u
 //         other, for !=, <, >, <= and >=. == compares the fields as they are; so two dates may be neither == nor !=.
 //         Against an integer a date counts as its day number.
 // Size:   4 bytes.
-// Disk:   docs/formats.md, KtDate: 4 bytes: the year in the byte order of the format code, month, day.
+// Disk:   docs/formats/dates.md, KtDate: 4 bytes: the year in the byte order of the format code, month, day.
 // Text:   by a format, see datetime text below; "%Y-%m-%d" when it is null. The row's format is "%a %e.%b %Y".
 // Status: nothing here fails. Arithmetic on null or invalid dates takes the fields as numbers. Printing overflows as
 //         KtString's += does; where memory runs out it leaves out as it was, and scanning leaves the value. A null

@@ -21,7 +21,7 @@ class KtString;
 //         <, >, <= and >= go by it. == compares all fields. Against a lone date or time a value is compared with what
 //         the constructors make of that: the rest comes from the clock.
 // Size:   8 bytes; the last is padding and never counts.
-// Disk:   docs/formats.md, KtDateTime: 7 bytes: the year in the byte order of the format code, month, day, hour,
+// Disk:   docs/formats/dates.md, KtDateTime: 7 bytes: the year in the byte order of the format code, month, day, hour,
 //         minute, second. Store and Load move 7 bytes a value under code 8 as well; the other operations take that for
 //         the 8 bytes in memory.
 // Text:   by a format, see ktdate.h; "%Y-%m-%dT%H:%M:%S" when it is null. The row's: "%a %e.%b %Y %I:%M:%S %p".

@@ -16,8 +16,8 @@ class KtString;
 // Null:   none.
 // Order:  that of the numbers.
 // Size:   8 bytes, aligned as 32-bit words.
-// Disk:   docs/formats.md, KtInt64: 8 bytes: the low word, then the high word, each in the byte order of the format
-//         code.
+// Disk:   docs/formats/numbers.md, KtInt64: 8 bytes: the low word, then the high word, each in the byte order of the
+//         format code.
 // Text:   see PrintToKtString and ScanFromKtString; the row's format is "%S".
 // Status: division by zero raises the assertion 0 && "KtInt64 divide by zero" (source src\ktint64) and gives 0; a text
 //         that cannot be scanned gives -1.

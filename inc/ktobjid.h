@@ -17,7 +17,7 @@ class KtString;
 // Null:   low and high 0, whatever the block. A new id is all zero, hence null.
 // Order:  high, then low, both unsigned.
 // Size:   12 bytes.
-// Disk:   docs/formats.md, Identities: 10 bytes: block, low (4 each), high (2), big-endian under code 2, little-endian
+// Disk:   docs/formats/identities.md: 10 bytes: block, low (4 each), high (2), big-endian under code 2, little-endian
 //         under every other.
 // Text:   "(%H-%L#%B)"; see ScanFromKtString. Null prints as the null print string.
 // Status: scanning cannot fail: what a text does not give stays 0.

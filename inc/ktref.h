@@ -16,7 +16,7 @@ class KtLocalRef;
 // Null:   low and high 0, whatever the other fields. A new reference is all zero, hence null.
 // Order:  high, then low, then the database; block and class id are not compared. On disk the database comes first.
 // Size:   20 bytes.
-// Disk:   docs/formats.md, Identities: 14 bytes: block, low (4 each), high, database, class number (2 each),
+// Disk:   docs/formats/identities.md: 14 bytes: block, low (4 each), high, database, class number (2 each),
 //         big-endian under code 2, little-endian under every other. The version is not stored: it is 0 after a load.
 // Text:   "(%D:%H-%L#%B, %C)"; see ScanFromKtString. Null prints as the null print string.
 // Status: scanning cannot fail: what a text does not give is 0.

@@ -17,8 +17,8 @@ class KtString;
 // Null:   none. A new seal is 0.
 // Order:  that of the numbers; results are differences of words (in memory) or of bytes (on disk), not reduced to 1.
 // Size:   6 bytes.
-// Disk:   docs/formats.md, Seals: 6 bytes, most significant first, whatever the format code, so that seals order by
-//         their bytes.
+// Disk:   docs/formats/numbers.md, Seals: 6 bytes, most significant first, whatever the format code, so that seals order
+//         by their bytes.
 // Text:   the decimal number, as KtInt64 prints and scans it under "%S". Printing appends.
 // Status: a text that cannot be scanned gives 2^48 - 1, the low 48 bits of -1.
 // Owner:  a plain value, trivially copyable.

@@ -34,7 +34,7 @@ constexpr unsigned short KtCMP_DEFAULT = 65535;
 // Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class larger than bufferSize,
 //         so that appending one by one costs time in proportion to the text; it is the string's own: characters may be
 //         changed in place, but buffer and bufferSize are never assigned, nor a terminator moved.
-// Disk:   docs/formats.md, Strings: a record by StringStore, an index key by Translate.
+// Disk:   docs/formats/strings.md: a record by StringStore, an index key by Translate.
 // Text:   one byte a character in code sets below 225, one 16-bit unit in host order from 225 on. Comparison, hash and
 //         index keys take code set 255 for the default 8-bit set: they see the bytes of its units, up to the first that
 //         is zero, and memory and disk may differ. Name 16-bit texts 253.

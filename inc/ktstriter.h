@@ -10,8 +10,8 @@
 // Null:   a null text is an empty one.
 // Order:  orders are those of the code set's characters under the collation kind of the language.
 // Size:   the text ends at a zero character or after `length` characters, whichever comes first.
-// Disk:   docs/formats.md, Record: flag tells the byte order of 16-bit characters: 1, 8 and 255 the host's (a text in
-//         memory), 2 big-endian, every other value little-endian. The text may be unaligned.
+// Disk:   docs/formats/strings.md, Record: flag tells the byte order of 16-bit characters: 1, 8 and 255 the host's (a text
+//         in memory), 2 big-endian, every other value little-endian. The text may be unaligned.
 // Owner:  the text must outlive the iterator.
 // Threads: pure; one iterator belongs to one thread.
 class KTTM_API KtStringIterator {

@@ -18,7 +18,7 @@ class KtString;
 // Order:  hour, minute, second, as signed numbers. != is a three-way comparison: -1, 0, 1. Against an integer a time
 //         counts as its seconds.
 // Size:   3 bytes.
-// Disk:   docs/formats.md, KtTime: 3 bytes: hour, minute, second, whatever the format code.
+// Disk:   docs/formats/dates.md, KtTime: 3 bytes: hour, minute, second, whatever the format code.
 // Text:   by a format, see ktdate.h; "%H:%M:%S" when it is null. The row's format is "%I:%M:%S %p".
 // Status: nothing here fails. Arithmetic is done in 8-bit fields and carries, or borrows, once from field to field.
 //         Text: as ktdate.h says.

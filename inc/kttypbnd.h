@@ -15,7 +15,7 @@ constexpr unsigned short KtBOUND_GREATER = 4;
 // KtIdxBounds: two keys, the known range of an index or the bounds of a scan.
 //
 // Null:   a key that is null is not set: the range is not known there, or the scan has no bound.
-// Disk:   keys are in the disk form of their type, those of strings in the index key form (docs/formats.md, Index key).
+// Disk:   keys are in the disk form of their type, those of strings in the index key form (docs/formats/index-keys.md).
 // Owner:  a plain record without a destructor. Keys that EvalAndBound sets come from malloc; whoever destroys the record
 //         frees them, by KtFreeIdxBounds. A range that is only read may point at memory of any kind.
 // Threads: none of its own.

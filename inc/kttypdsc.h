@@ -116,7 +116,7 @@ struct KtTypeDescriptor {
   KtSizeGetFromMemFileFunc SizeGetFromMemFile;  // the same at the file's position, which stays
   KtTypeCmpFunc Compare;                        // below 0, 0, above 0: of the first pair that differs
   KtEvalAndBoundFunc EvalAndBound;              // selectivity 0 to 1, and bounds of an index scan: kttypbnd.h
-  KtHashFunc Hash;                              // 32 bits; equal values hash alike (docs/decisions.md: exceptions)
+  KtHashFunc Hash;                              // 32 bits; equal values hash alike (docs/decisions: exceptions)
   KtConvertToFunc ConvertTo;                    // one KtString a value; the caller owns the holder
   KtConvertFromFunc ConvertFrom;                // a new array, made by Create; missing strings count as null ones
   KtConstructorFunc Constructor;                // constructs in place

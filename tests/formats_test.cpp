@@ -1,6 +1,6 @@
-// The golden files against the code, and against docs/formats.md. tests/golden/<type>.txt holds values of a type, each
-// with the format codes that it is stored under and its bytes, worked by hand from the layout; KtString.older.txt has
-// strings of the legacy table, KtString.key.txt their index keys. The document says how to read a line.
+// The golden files against the code, and against the pages of docs/formats. tests/golden/<type>.txt holds values of a type,
+// each with the format codes that it is stored under and its bytes, worked by hand from the layout; KtString.older.txt has
+// strings of the legacy table, KtString.key.txt their index keys. The README there says how to read a line.
 #include <kttm.h>
 
 #include <gtest/gtest.h>
@@ -26,7 +26,8 @@ using namespace kt_test;
 using Strings = std::vector<std::string>;
 
 const std::filesystem::path kGolden = KT_TESTS_DIR "/golden";
-const std::string kPage = "docs/formats.md";
+const std::string kPages = "docs/formats/";
+const std::filesystem::path kPagesFolder = KT_TESTS_DIR "/../" + kPages;
 
 Strings split(const std::string& text, const std::string& separator) {
   Strings parts;
@@ -37,6 +38,7 @@ Strings split(const std::string& text, const std::string& separator) {
   return parts;
 }
 
+// section: "dates.md, KtDate"; of a page without sections its name alone.
 struct Example {
   std::string file, section, value, codes, bytes, hashWord;
 
@@ -51,6 +53,12 @@ Strings columnsOf(const std::string& line) {
   for (const std::string& part : split(line, "  "))
     if (part != " ") columns.push_back(part.substr(part[0] == ' ' ? 1 : 0));
   return columns;
+}
+
+// What follows the folder of the pages in a text; nothing if the text does not name it.
+std::string behindFolder(const std::string& text) {
+  const std::size_t at = text.find(kPages);
+  return at == std::string::npos ? "" : text.substr(at + kPages.size());
 }
 
 // One line of a golden file.
@@ -75,17 +83,20 @@ std::vector<Example> goldenExamples() {
     std::ifstream file(entry.path());
     std::string line, section;
     while (std::getline(file, line)) {
-      if (line[0] == '#') section = line.substr(line.find(kPage) + kPage.size() + 2);
+      if (line[0] == '#') section = behindFolder(line);
       if (line[0] != '#') examples.push_back(exampleOf(entry.path().stem().string(), section, columnsOf(line)));
     }
   }
   return examples;
 }
 
-// The document's lines have one column more, the files that hold the line.
-std::set<std::string> documentedExamples(std::set<std::string>* sections = nullptr) {
-  std::ifstream page(KT_TESTS_DIR "/../" + kPage);
-  std::set<std::string> examples;
+struct Documented {
+  std::set<std::string> examples, sections;
+};
+
+// The examples of a page have one column more than those of the files: the files that hold the line.
+void readPage(const std::filesystem::path& path, Documented& documented) {
+  std::ifstream page(path);
   std::string line, section;
   for (bool isBlock = false; std::getline(page, line);) {
     if (line.compare(0, 3, "```") == 0) {
@@ -93,13 +104,30 @@ std::set<std::string> documentedExamples(std::set<std::string>* sections = nullp
     } else if (isBlock && !line.empty()) {
       const Strings columns = columnsOf(line);
       for (const std::string& file : split(columns.front(), ", "))
-        examples.insert(exampleOf(file, section, {columns.begin() + 1, columns.end()}).text());
+        documented.examples.insert(exampleOf(file, section, {columns.begin() + 1, columns.end()}).text());
     } else if (line[0] == '#') {
-      section = line.substr(line.find(' ') + 1);
-      if (sections != nullptr) sections->insert(section);
+      section = path.filename().string();
+      if (line[1] == '#') section += ", " + line.substr(line.find(' ') + 1);
+      documented.sections.insert(section);
     }
   }
-  return examples;
+}
+
+Documented readPages() {
+  Documented documented;
+  for (const auto& entry : std::filesystem::directory_iterator(kPagesFolder)) readPage(entry.path(), documented);
+  return documented;
+}
+
+// "dates.md, ODMG types" as the target of a link: dates.md#odmg-types.
+std::string linkTo(std::string section) {
+  const std::size_t comma = section.find(", ");
+  if (comma == std::string::npos) return section;
+  section.replace(comma, 2, "#");
+  std::transform(section.begin(), section.end(), section.begin(), [](char c) {
+    return c == ' ' ? '-' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return section;
 }
 
 // The codes that a line is about on this host: "0 L1 B0x82" are 0, on a little-endian host 1, on a big-endian one 0x82.
@@ -272,8 +300,8 @@ TEST(Formats, every_type_has_golden_examples_under_every_byte_order) {
   EXPECT_EQ(missing, std::set<std::string>{});
 }
 
-TEST(Formats, the_document_shows_the_golden_examples_in_their_sections_and_no_others) {
-  const std::set<std::string> documented = documentedExamples();
+TEST(Formats, the_pages_show_the_golden_examples_in_their_sections_and_no_others) {
+  const std::set<std::string> documented = readPages().examples;
   std::set<std::string> golden, differing;
   for (const Example& example : goldenExamples()) golden.insert(example.text());
   std::set_symmetric_difference(golden.begin(), golden.end(), documented.begin(), documented.end(),
@@ -281,36 +309,36 @@ TEST(Formats, the_document_shows_the_golden_examples_in_their_sections_and_no_ot
   EXPECT_EQ(differing, std::set<std::string>{});
 }
 
-// A link to a section is its title in small letters, with hyphens for blanks.
-std::string linkTo(std::string section) {
-  for (char& c : section) c = c == ' ' ? '-' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return "](#" + section + ")";
-}
-
-TEST(Formats, the_table_of_the_document_leads_to_every_section_and_names_every_type_with_examples) {
-  std::ifstream page(KT_TESTS_DIR "/../" + kPage);
-  std::string contents;
-  for (std::string line; std::getline(page, line) && line.find("## ") != 0;)
-    if (line[0] == '|') contents += line;
-  std::set<std::string> missing;
+// Rows of the entry page: | [KtDate](dates.md#ktdate) | `KtDate` |
+TEST(Formats, the_entry_page_leads_from_each_type_to_its_sections) {
+  std::set<std::string> targets, missing;
+  std::map<std::string, Strings> typesOf;  // by target; split at back quotes
+  for (const std::string& section : readPages().sections) targets.insert(linkTo(section));
+  std::ifstream page(kPagesFolder / "README.md");
+  for (std::string line; std::getline(page, line);) {
+    const Strings parts = split(line, "](");
+    if (line.compare(0, 3, "| [") != 0 || parts.size() != 2) continue;
+    const std::string target = parts[1].substr(0, parts[1].find(')'));
+    if (targets.count(target) == 0) missing.insert("section " + target);
+    typesOf[target] = split(parts[1], "`");
+  }
   for (const Example& example : goldenExamples()) {
-    if (contents.find(linkTo(example.section)) == std::string::npos) missing.insert(example.section);
-    const std::string type = example.file.substr(0, example.file.find('.'));
-    if (type.find("KtNull_") != 0 && contents.find("`" + type + "`") == std::string::npos) missing.insert(type);
+    const std::string type = split(example.file, ".")[0];
+    const Strings& types = typesOf[linkTo(example.section)];
+    if (std::find(types.begin(), types.end(), type) == types.end()) missing.insert(type + " in " + example.section);
   }
   EXPECT_EQ(missing, std::set<std::string>{});
 }
 
-TEST(Formats, public_headers_lead_to_sections_of_the_document) {
-  std::set<std::string> sections, astray;
-  documentedExamples(&sections);
+TEST(Formats, public_headers_lead_to_sections_of_the_pages) {
+  const std::set<std::string> sections = readPages().sections;
+  std::set<std::string> astray;
   for (const auto& entry : std::filesystem::directory_iterator(KT_TESTS_DIR "/../inc")) {
     std::ifstream file(entry.path());
     for (std::string line; std::getline(file, line);) {
       if (line.find("// Disk:") != 0 || line.find("none: lives in memory only") != std::string::npos) continue;
-      const std::string section = line.substr(std::min(line.find(kPage + ", "), line.size()));
-      const std::string name = section.substr(std::min(kPage.size() + 2, section.size()));
-      if (sections.count(name.substr(0, name.find_first_of(":)"))) == 0) astray.insert(line);
+      const std::string section = behindFolder(line);
+      if (sections.count(section.substr(0, section.find_first_of(":)"))) == 0) astray.insert(line);
     }
   }
   EXPECT_EQ(astray, std::set<std::string>{});

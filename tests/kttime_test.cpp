@@ -1,4 +1,4 @@
-// KtTime: arithmetic that carries once in 8-bit fields, order, clock.
+// KtTime: arithmetic that carries once in 8-bit fields, order, clock. Its texts: date_text_test.cpp.
 #include <kttm.h>
 
 #include "fixed_clock.h"

@@ -20,7 +20,7 @@ std::string fieldText(const Database& database, const Record& record, std::size_
 
 namespace {
 
-// A character with the order of one word of an index key; see "Index key" in docs/formats.md.
+// A character with the order of one word of an index key; see docs/formats/index-keys.md.
 KtString characterOf(const unsigned char* word) {
   const unsigned order = static_cast<unsigned>(word[1] << 8 | word[2]);
   constexpr unsigned char kSeveralOrders = 0xFF;

@@ -91,7 +91,7 @@ private:
 };
 
 // Collation of Unicode characters. A kind is a promise to stored indexes: its orders never change; a changed order
-// takes a new kind number.
+// takes a new kind number. docs/collation.md has the kinds and what an order is made of.
 class KTIN_API KtUnicodeProps {
 public:
   static constexpr unsigned char kIdeographicKind = 20;  // kinds from here on order by Unicode code

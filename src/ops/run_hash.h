@@ -3,7 +3,7 @@
 // A description V of one value supplies:
 //   elementSize(code)               bytes of one value in the format code
 //   hashWords(code, values, count)  the exclusive or of one 32-bit word a value; values that compare equal give the
-//                                   same word in every form (but for the exceptions in docs/decisions.md, d_Time and
+//                                   same word in every form (but for the exceptions in docs/decisions, d_Time and
 //                                   d_Timestamp among them)
 #ifndef KT_OPS_RUN_HASH_H
 #define KT_OPS_RUN_HASH_H

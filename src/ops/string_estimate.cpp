@@ -1,4 +1,5 @@
-// string_estimate.cpp - how much of an index of strings a comparison selects.
+// string_estimate.cpp - how much of an index of strings a comparison selects. What "equal" selects is the unit of
+// order_number.cpp; docs/estimates.md has the rules, and what they give on real names.
 #include "ops/string_estimate.h"
 
 #include "ops/bounds.h"

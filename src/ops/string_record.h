@@ -10,7 +10,7 @@
 // Older form, one record a run:
 //   0    2  L
 //   2    L  texts of bytes, each with a terminator; hence the last byte, at L+1, is 0x00
-// docs/formats.md shows both, byte by byte.
+// docs/formats/strings.md shows both, byte by byte.
 #ifndef KT_OPS_STRING_RECORD_H
 #define KT_OPS_STRING_RECORD_H
 

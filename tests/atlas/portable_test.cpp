@@ -1,5 +1,5 @@
 // A small export as every host must read it: tests/data/atlas_small holds the CSV files, the export of the database that
-// `atlas load` made of them, and what its objects say, worked out from the CSV files and docs/formats.md without the
+// `atlas load` made of them, and what its objects say, worked out from the CSV files and docs/formats without the
 // code under test. LMDB is not needed, so big-endian and 32-bit hosts read it too.
 #include "../../examples/atlas/portable.h"
 #include "../../examples/atlas/error.h"
