@@ -3,6 +3,7 @@
 #define KTSTRING_H
 
 #include "ktchar.h"
+#include "ktstrcmp.h"
 
 #include <cstdint>
 #include <cstring>
@@ -13,15 +14,6 @@ constexpr int KtERR_NOT_FOUND = -1;
 constexpr int KtERR_BAD_CODESET = -2002;
 constexpr int KtERR_END_OF_LIST = -2005;
 
-// Compare operator bits; 65535 stands for the language context's default operator.
-constexpr unsigned short KtCMP_NO_WILDCARDS = 0x10;       // "*" and "?" are ordinary characters
-constexpr unsigned short KtCMP_IGNORE_CASE = 0x20;        // differences in bits 5-6 of the keys are ignored
-constexpr unsigned short KtCMP_IGNORE_DIACRITICS = 0x40;  // differences in bits 0-4 of the keys are ignored
-constexpr unsigned short KtCMP_DROP_SPACES = 0x80;        // ignorable orders below 80 never decide
-constexpr unsigned short KtCMP_BINARY = 0x100;            // order by order, no levels, nothing ignorable
-constexpr unsigned short KtCMP_DROP_SYMBOLS = 0x200;      // ignorable orders from 80 up never decide
-constexpr unsigned short KtCMP_DEFAULT = 65535;
-
 // KtString: a text in one code set and language.
 //
 // Range:  up to 65,533 bytes with the terminator. A longer result raises the assertion "String overflow" && 0 (source
@@ -30,7 +22,7 @@ constexpr unsigned short KtCMP_DEFAULT = 65535;
 // Null:   language 254, or code set 254 with language 0, whatever the text. SetNullValue gives the text up; a null made by
 //         its marks alone keeps its text, and every operation sees that, but for comparison, hash, index keys, printing
 //         and conversion, which know the null.
-// Order:  Compare and the relational operators: KtStrCmp under an operator of the bits above.
+// Order:  Compare and the relational operators: KtStrCmp under an operator of the KtCMP_ bits (ktstrcmp.h).
 // Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class larger than bufferSize,
 //         so that appending one by one costs time in proportion to the text; it is the string's own: characters may be
 //         changed in place, but buffer and bufferSize are never assigned, nor a terminator moved.
@@ -240,82 +232,6 @@ inline KtString& KtString::operator+=(char ch) {
   return *this;
 }
 
-// a's characters, then b's, in a's code set and language; empty when memory is exhausted. What is no string stands for the
-// string that its constructor makes: "x" + s is in the default 8-bit code set.
-KTTM_API KtString operator+(const KtString& a, const KtString& b);
-
-// What a string may be added to and compared with: it stands for the string that its constructor makes. One overload for
-// each order of operands, and the very type of the operand, so that the conversions of KtString to numbers never compete.
-template <class Text>
-concept KtTextOperand = std::is_same_v<Text, char> || std::is_same_v<Text, unsigned short> ||
-    std::is_same_v<Text, char*> || std::is_same_v<Text, const char*> || std::is_same_v<Text, unsigned short*> ||
-    std::is_same_v<Text, const unsigned short*>;
-
-template <KtTextOperand Text>
-KtString operator+(const KtString& a, Text b) {
-  return a + KtString(b);
-}
-template <KtTextOperand Text>
-KtString operator+(Text a, const KtString& b) {
-  return KtString(a) + b;
-}
-
-// Relational operators, 1 or 0: the default compare operator over the whole strings.
-KTTM_API int operator==(const KtString& a, const KtString& b);
-KTTM_API int operator!=(const KtString& a, const KtString& b);
-KTTM_API int operator<(const KtString& a, const KtString& b);
-KTTM_API int operator>(const KtString& a, const KtString& b);
-KTTM_API int operator<=(const KtString& a, const KtString& b);
-KTTM_API int operator>=(const KtString& a, const KtString& b);
-template <KtTextOperand Text>
-int operator==(const KtString& a, Text b) {
-  return a == KtString(b);
-}
-template <KtTextOperand Text>
-int operator==(Text a, const KtString& b) {
-  return KtString(a) == b;
-}
-template <KtTextOperand Text>
-int operator!=(const KtString& a, Text b) {
-  return a != KtString(b);
-}
-template <KtTextOperand Text>
-int operator!=(Text a, const KtString& b) {
-  return KtString(a) != b;
-}
-template <KtTextOperand Text>
-int operator<(const KtString& a, Text b) {
-  return a < KtString(b);
-}
-template <KtTextOperand Text>
-int operator<(Text a, const KtString& b) {
-  return KtString(a) < b;
-}
-template <KtTextOperand Text>
-int operator>(const KtString& a, Text b) {
-  return a > KtString(b);
-}
-template <KtTextOperand Text>
-int operator>(Text a, const KtString& b) {
-  return KtString(a) > b;
-}
-template <KtTextOperand Text>
-int operator<=(const KtString& a, Text b) {
-  return a <= KtString(b);
-}
-template <KtTextOperand Text>
-int operator<=(Text a, const KtString& b) {
-  return KtString(a) <= b;
-}
-template <KtTextOperand Text>
-int operator>=(const KtString& a, Text b) {
-  return a >= KtString(b);
-}
-template <KtTextOperand Text>
-int operator>=(Text a, const KtString& b) {
-  return KtString(a) >= b;
-}
-
 // Takes the next item of a separated list: the characters from pos up to the separator, trimmed, become item, and pos is
 // set one past the separator's position, whatever its length. Separators that are found at position 0 of the list are
 // skipped. Returns 0, or -2005 at the end: item is unchanged then, but pos may have gone on.
@@ -324,30 +240,7 @@ int operator>=(Text a, const KtString& b) {
 //   is 0 all the same.
 KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
 
-// Compares two texts. Negative when s1 sorts before s2, 0, or positive.
-//   s1, s2: terminated texts; a null pointer is an empty one.
-//   s2 is the pattern side: only its wildcards act, and only without bit 0x10 and 0x100. "*" takes any characters, none
-//   too; "?" takes one whole character, a blank or symbol included unless 0x80 or 0x200 drops it; "\" before "*", "?" or
-//   itself makes that an ordinary character, elsewhere it is one. SetAsterisk and its kin exchange the three.
-//   cmpOp: bits as above; 65535 is no default here, but all bits.
-//   length: at most that many characters (-1: the whole texts; 0 and other negative values: equal).
-//   flag: byte order of 16-bit characters, see KtStringIterator.
-//   report: may be null; receives the last primary difference under bit 0x80. Untouched under 0x100, with code set 0 on
-//   both sides, and where nulls or the length 0 decide.
-// Null texts come first, and before each length; under wildcards a null s1 is compared as the text that it holds. Both
-// with code set 0: byte order, or a match with a pattern of "*" and "?" alone, without escape. Pure.
-KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,
-                       unsigned char language2, const char* s2, unsigned short cmpOp, short length,
-                       unsigned char flag = 255, int* report = nullptr);
-
-// Hashes, modulo 2^32; pure. HashKtString: the characters as stored; HashKtString7: their low seven bits.
-KTTM_API unsigned long HashKtString(const KtString& s);
-KTTM_API unsigned long HashKtString7(const KtString& s);
-// By collation orders: texts that are equal under their orders hash alike. 0xFEFE7575 for a null text, whatever the length.
-//   data: a terminated text; a null pointer is an empty one. flag: as for KtStrCmp.
-//   length: -1 the whole text; positive: exactly that many orders, those behind the end counting as 0; else the hash is 0.
-// With code set 0: by bytes, at most `length`, and those behind the end do not count.
-KTTM_API unsigned long HashString(unsigned char codeSet, unsigned char language, char* data, short length,
-                                  unsigned char flag);
+// Sums and relations of strings, also with texts and characters.
+#include "ktstrops.h"
 
 #endif
