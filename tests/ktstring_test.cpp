@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <iconv.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -138,83 +139,72 @@ TEST(KtString, numbers_print_as_printf_does) {
   }
 }
 
-TEST(KtString, reads_numbers_as_the_c_library_does) {
-  for (const char* text : {"",
-                           " ",
-                           "12",
-                           " \t\n-12x",
-                           "+7",
-                           "- 7",
-                           "0x1F",
-                           "0x",
-                           "0xg",
-                           "-0X10",
-                           "010",
-                           "08",
-                           "0",
-                           "--5",
-                           "+-5",
-                           "2147483647",
-                           "2147483648",
-                           "-2147483648",
-                           "-99999999999",
-                           "9223372036854775808",
-                           "-9223372036854775809",
-                           "1e3",
-                           "12abc",
-                           "1.5",
-                           ".5e1",
-                           "-.5",
-                           ".",
-                           "e5",
-                           "1e",
-                           "1e+",
-                           "1e400",
-                           "-1e400",
-                           "1e-400",
-                           "0.0001e-320",
-                           "0e999999999999",
-                           "1e99999999999",
-                           "1e-99999999999",
-                           "0x1.8p1",
-                           "0x.8",
-                           "0x.p1",
-                           "0x1p-1080",
-                           "0x1p5000",
-                           "-0x1p5000",
-                           "inf",
-                           "-Infinity",
-                           "INFINIT",
-                           "nan",
-                           "-nan(12)",
-                           "4.9e-324",
-                           "1.7976931348623157e308",
-                           "1.7976931348623159e308",
-                           "00000000000000000000000000000000000000000000000000000000000000000000000012.5"}) {
-    const long base0 = std::strtol(text, nullptr, 0);
-    const long decimal = std::strtol(text, nullptr, 10);
-    const auto saturated = [](long value) {
-      return static_cast<int>(std::min(2147483647l, std::max(-2147483647l - 1, value)));
-    };
-    const double real = std::strtod(text, nullptr);
+// --- reading numbers; the C library tells what is expected ------------------------------------------------------------
+
+const char* const kNumberTexts[] = {
+    // whole numbers, their bases and limits
+    "", " ", "12", " \t\n-12x", "+7", "- 7", "0x1F", "0x", "0xg", "-0X10", "010", "08", "0", "--5", "+-5", "2147483647",
+    "2147483648", "-2147483648", "-99999999999", "9223372036854775808", "-9223372036854775809", "12abc",
+    // fractions and exponents
+    "1e3", "1.5", ".5e1", "-.5", ".", "e5", "1e", "1e+", "1e400", "-1e400", "1e-400", "0.0001e-320", "0e999999999999",
+    "1e99999999999", "1e-99999999999",
+    // hexadecimal fractions, names
+    "0x1.8p1", "0x.8", "0x.p1", "0x1p-1080", "0x1p5000", "-0x1p5000", "inf", "-Infinity", "INFINIT", "nan", "-nan(12)",
+    // the least and the greatest numbers, and a long text
+    "4.9e-324", "1.7976931348623157e308", "1.7976931348623159e308",
+    "00000000000000000000000000000000000000000000000000000000000000000000000012.5"};
+
+// Each text in 8-bit and in 16-bit characters.
+template <class Check>
+void checkNumberTexts(Check check) {
+  for (const char* text : kNumberTexts) {
     for (const KtString& s : {KtString(text), widened(text)}) {
-      EXPECT_EQ(static_cast<int>(s), saturated(base0)) << text;
-      EXPECT_EQ(static_cast<short>(s), static_cast<short>(saturated(base0))) << text;
-      EXPECT_EQ(static_cast<long>(s), decimal) << text;
-      const double value = s;
-      EXPECT_TRUE(std::isnan(real) ? std::isnan(value) : value == real && std::signbit(value) == std::signbit(real))
-          << text << ' ' << value;
-      ___KtTypeMgrOptions() = 1;
-      EXPECT_EQ(static_cast<int>(s), saturated(decimal)) << text;
-      ___KtTypeMgrOptions() = 0;
-      long value10 = 5, value0 = 5;
-      const bool starts = text[0] == '-' || (text[0] >= '0' && text[0] <= '9');
-      EXPECT_EQ(s.Atol(value10), starts ? 0 : -1) << text;
-      EXPECT_EQ(s.Strtol(value0), starts ? 0 : -1) << text;
-      EXPECT_EQ(value10, starts ? decimal : 0) << text;
-      EXPECT_EQ(value0, starts ? base0 : 0) << text;
+      SCOPED_TRACE(testing::Message() << '"' << text << "\", bytes a character: " << s.CharSize());
+      check(text, s);
     }
   }
+}
+
+int saturated(long value) { return static_cast<int>(std::min(2147483647l, std::max(-2147483647l - 1, value))); }
+
+TEST(KtString, int_and_short_detect_the_base_and_saturate_at_32_bits) {
+  checkNumberTexts([](const char* text, const KtString& s) {
+    const int expected = saturated(std::strtol(text, nullptr, 0));
+    EXPECT_EQ(static_cast<int>(s), expected);
+    EXPECT_EQ(static_cast<short>(s), static_cast<short>(expected));
+  });
+}
+
+TEST(KtString, long_is_decimal_and_so_is_int_under_option_bit_0) {
+  checkNumberTexts([](const char* text, const KtString& s) {
+    const long expected = std::strtol(text, nullptr, 10);
+    EXPECT_EQ(static_cast<long>(s), expected);
+    ___KtTypeMgrOptions() = 1;
+    EXPECT_EQ(static_cast<int>(s), saturated(expected));
+    ___KtTypeMgrOptions() = 0;
+  });
+}
+
+TEST(KtString, double_reads_fractions_exponents_and_names) {
+  checkNumberTexts([](const char* text, const KtString& s) {
+    const double expected = std::strtod(text, nullptr);
+    const double value = s;
+    EXPECT_EQ(std::isnan(value), std::isnan(expected)) << value;
+    if (std::isnan(expected)) return;
+    EXPECT_EQ(value, expected);
+    EXPECT_EQ(std::signbit(value), std::signbit(expected));
+  });
+}
+
+TEST(KtString, atol_and_strtol_refuse_what_begins_with_neither_digit_nor_minus) {
+  checkNumberTexts([](const char* text, const KtString& s) {
+    const bool isTaken = text[0] == '-' || (text[0] >= '0' && text[0] <= '9');
+    long decimal = 5, detected = 5;
+    EXPECT_EQ(s.Atol(decimal), isTaken ? 0 : -1);
+    EXPECT_EQ(s.Strtol(detected), isTaken ? 0 : -1);
+    EXPECT_EQ(decimal, isTaken ? std::strtol(text, nullptr, 10) : 0);
+    EXPECT_EQ(detected, isTaken ? std::strtol(text, nullptr, 0) : 0);
+  });
 }
 
 TEST(KtString, null_is_told_by_language_or_code_set) {
