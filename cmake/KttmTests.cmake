@@ -127,10 +127,16 @@ if(TARGET kttm_tool AND KTTM_BASH)
                    ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kttm_tool>)
 endif()
 
+if(KTTM_NATIVE64 AND TARGET kttm_tool AND Python3_FOUND)
+  add_test(NAME tool.functions_and_reasons_are_those_of_the_sources
+           COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/tests/tool/check_functions.py" $<TARGET_FILE:kttm_tool>
+                   "${PROJECT_SOURCE_DIR}")
+endif()
+
 # Sizes in memory are those of 64 bits.
 if(KTTM_NATIVE64 AND TARGET kttm_tool AND KTTM_BASH)
   set(check_page "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/check_page.sh" $<TARGET_FILE:kttm_tool>)
-  add_test(NAME tool.docs_show_the_types_as_they_are COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/docs/types.md" 2)
+  add_test(NAME tool.docs_show_the_types_as_they_are COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/docs/types.md" 3)
   add_test(NAME tool.readme_shows_what_it_prints_and_the_first_example
            COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/README.md" 5 "${PROJECT_SOURCE_DIR}/examples/first/first.cpp")
 endif()

@@ -113,6 +113,7 @@ public:
   KtSetNullFunc SetNullPtrGet(char id) const;
   KtTypeCmpFunc CmpFuncPtrGet(char id) const;
   int (*ComparePtrGet(char id) const)(void*, void*);  // always null: there is no two-argument compare
+  const KtTypeDescriptor& DescriptorGet(char id) const { return Row(id); }  // the whole row, which outlives the manager
 
   // --- replace: in the shared row, for every manager and thread; null only reads. Result: the old one ----------------
   const char* ExchangeFormat(char id, const char* format);  // the caller keeps the text alive

@@ -20,7 +20,7 @@ struct BlobOps : HandleArrays<KtBlob> {
                                unsigned long count);
   static unsigned long sizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long count);
   static constexpr KtTypeCmpFunc compare = &BlobCompare;
-  // No index is kept of blobs: nothing is estimated, nothing bounds a scan.
+  // Not offered: the order of bytes tells nothing about a range. Nothing is estimated, nothing bounds a scan.
   static constexpr KtEvalAndBoundFunc evalAndBound = &IllegalOps::evalAndBound;
   // By lengths only, as they are announced; 2101 when the run ends early.
   static unsigned long hash(unsigned char format, unsigned long length, void* values, unsigned long count, int& status);

@@ -1,4 +1,4 @@
-// odmg_ops.h - the rows of d_Date, d_Time, d_Timestamp and d_Interval. They have no null value.
+// odmg_ops.h - the rows of d_Date, d_Time, d_Timestamp and d_Interval. Like their classes they have no null value.
 #ifndef KT_OPS_ODMG_OPS_H
 #define KT_OPS_ODMG_OPS_H
 

@@ -1,158 +1,157 @@
 #include "offers.h"
 
-#include "values.h"
-
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
-#include <memory>
-#include <type_traits>
 
 namespace tool {
 namespace {
 
-constexpr unsigned short kAllFlags = 0xFFFF;
+// --- fields -----------------------------------------------------------------------------------------------------------
 
-// Values that differ, as far as the type can make them: its default value and what these texts convert to, the last of
-// them for identities.
-std::vector<Values> samplesOf(const Type& type) {
-  std::vector<Values> samples;
-  if (!type.hasValues) return samples;
-  samples.emplace_back(type, 1);
-  for (const char* text : {"1", "2", "(9-2#4)"}) {
-    KtString string(text);
-    KtTypeConvertData holder(KT_ID_KtString, 1, &string, nullptr);
-    void* probe = manager().ConvertFrom(type.id, &holder, 1);
-    holder.data = nullptr;
-    if (probe == nullptr) continue;
-    manager().Delete(type.id, probe, 1);
-    samples.push_back(Values::converted(type, string));
-  }
-  return samples;
-}
+using Function = void (*)();  // of any operation, to be compared only
 
-struct Probe {
-  const Type& type;
-  const std::vector<Values>& samples;
-
-  template <class Test>
-  bool any(Test test) const {
-    return std::any_of(samples.begin(), samples.end(), [&](const Values& value) { return test(value.at(0)); });
-  }
+struct Field {
+  const char* name;
+  Function (*of)(const KtTypeDescriptor&);
 };
 
-// Not null and not the illegal row's.
-template <auto kGetter>
-bool differs(const Probe& probe) {
-  const auto function = (manager().*kGetter)(probe.type.id);
-  return function != nullptr && function != (manager().*kGetter)(KT_ID_illegal);
+template <auto kField>
+Function functionAt(const KtTypeDescriptor& row) {
+  return reinterpret_cast<Function>(row.*kField);
 }
 
-template <auto kExchange>
-bool exchangeDiffers(const Probe& probe) {
-  const auto function = (manager().*kExchange)(probe.type.id, nullptr);
-  return function != nullptr && function != (manager().*kExchange)(KT_ID_illegal, nullptr);
+template <auto kField>
+constexpr Field fieldOf(const char* name) {
+  return {name, functionAt<kField>};
 }
 
-bool makesValues(const Probe& probe) {
-  void* value = manager().Create(probe.type.id, 1);
-  if (value != nullptr) manager().Delete(probe.type.id, value, 1);
-  return value != nullptr;
-}
+#define KT_FIELD(name) fieldOf<&KtTypeDescriptor::name>(#name)
+constexpr Field kFields[] = {
+    KT_FIELD(Create),
+    KT_FIELD(Delete),
+    KT_FIELD(Store),
+    KT_FIELD(Load),
+    KT_FIELD(NullSizeGet),
+    KT_FIELD(SizeGet),
+    KT_FIELD(SizeGetFromMemFile),
+    KT_FIELD(Compare),
+    KT_FIELD(EvalAndBound),
+    KT_FIELD(Hash),
+    KT_FIELD(ConvertTo),
+    KT_FIELD(ConvertFrom),
+    KT_FIELD(Constructor),
+    KT_FIELD(Destructor),
+    KT_FIELD(Assignment),
+    KT_FIELD(Copy),
+    KT_FIELD(Translate),
+    KT_FIELD(IsNull),
+    KT_FIELD(SetNull),
+    KT_FIELD(PrintToKtString),
+    KT_FIELD(ScanFromKtString),
+    KT_FIELD(DefaultValue),
+};
+#undef KT_FIELD
 
-bool hasDefault(const Probe& probe) { return probe.type.hasValues; }
+// --- names ------------------------------------------------------------------------------------------------------------
 
-bool tellsSize(const Probe& probe) {
-  return probe.any([&](void* value) { return storedSize(probe.type.id, value, kAnyDiskForm, 1) > 0; });
-}
-
-bool tellsSizeInFile(const Probe& probe) {
-  return probe.any([&](void* value) {
-    const Bytes bytes = stored(probe.type.id, value, kAnyDiskForm, 1);
-    MemFile file(bytes.data(), bytes.size());
-    return manager().DiskLenGetFromMemFile(probe.type.id, &file, kAnyDiskForm, 1) > 0;
-  });
-}
-
-bool hashes(const Probe& probe) {
-  return probe.any([&](void* value) {
-    int status = 0;
-    return manager().Hash(probe.type.id, 0, value, 1, kMemoryForm, status) != 0;
-  });
-}
-
-unsigned short flagsAfterEstimate(const Probe& probe, Bytes& key, float& share) {
-  unsigned short flags = kAllFlags;
-  KtIdxBounds bounds;
-  share = manager().EvalAndBound(probe.type.id, nullptr, flags, key.data(), 0, 1, &bounds, nullptr);
-  KtFreeIdxBounds(&bounds);
-  return flags;
-}
-
-// An estimate that does nothing answers 0 and leaves the flags alone; every other one masks them, or answers more.
-bool estimates(const Probe& probe) {
-  return probe.any([&](void* value) {
-    Bytes key = stored(probe.type.id, value, 0, 1);
-    float share = 0;
-    return flagsAfterEstimate(probe, key, share) != kAllFlags || share > 0;
-  });
-}
-
-bool convertsTo(const Probe& probe) {
-  return probe.any([&](void* value) { return conversionOf(probe.type, value).has_value(); });
-}
-
-bool convertsFrom(const Probe& probe) { return probe.samples.size() > 1; }
-
-bool translates(const Probe& probe) {
-  return probe.any([&](void* value) {
-    Bytes bytes(storedSize(probe.type.id, value, kAnyDiskForm, 1));
-    return manager().Translate(probe.type.id, bytes.data(), kAnyDiskForm, bytes.size(), value, kMemoryForm,
-                               manager().MemLenGet(probe.type.id, 1), 1) > 0;
-  });
-}
-
-struct Question {
-  const char* operation;
-  bool (*offered)(const Probe&);
+struct Named {
+  const char* name;
+  Function function;
 };
 
-constexpr Question kQuestions[] = {
-    {"Create", makesValues},
-    {"Delete", makesValues},
-    {"Store", differs<&KtTypeMgr::StorePtrGet>},
-    {"Load", differs<&KtTypeMgr::LoadPtrGet>},
-    {"SizeGet", tellsSize},
-    {"SizeGetFromMemFile", tellsSizeInFile},
-    {"Compare", differs<&KtTypeMgr::CmpFuncPtrGet>},
-    {"EvalAndBound", estimates},
-    {"Hash", hashes},
-    {"ConvertTo", convertsTo},
-    {"ConvertFrom", convertsFrom},
-    {"Constructor", differs<&KtTypeMgr::ConstructorPtrGet>},
-    {"Destructor", differs<&KtTypeMgr::DestructorPtrGet>},
-    {"Assignment", differs<&KtTypeMgr::AssignmentPtrGet>},
-    {"Copy", differs<&KtTypeMgr::CopyPtrGet>},
-    {"Translate", translates},
-    {"IsNull", differs<&KtTypeMgr::IsNullPtrGet>},
-    // A row without values may hold a function that only declines.
-    {"SetNull", [](const Probe& probe) { return probe.type.hasValues && probe.type.hasNull; }},
-    {"PrintToKtString", exchangeDiffers<&KtTypeMgr::ExchangePrintToKtStringFunc>},
-    {"ScanFromKtString", exchangeDiffers<&KtTypeMgr::ExchangeScanFromKtStringFunc>},
-    {"DefaultValue", hasDefault},
+template <class Operation>
+Named named(const char* name, Operation* operation) {
+  return {name, reinterpret_cast<Function>(operation)};
+}
+
+#define KT_NAMED(name) named(#name, &name)
+// What kttypops.h declares, and the typed disk conversion of ktbs.h; a test holds the list to both.
+const Named kNamed[] = {
+    KT_NAMED(CharCompare),      KT_NAMED(ByteCompare),       KT_NAMED(ShortCompare),       KT_NAMED(WordCompare),
+    KT_NAMED(IntCompare),       KT_NAMED(UnsignedCompare),   KT_NAMED(LongCompare),        KT_NAMED(DwordCompare),
+    KT_NAMED(FloatCompare),     KT_NAMED(DoubleCompare),     KT_NAMED(Int64Compare),       KT_NAMED(BooleanCompare),
+    KT_NAMED(StringCompare),    KT_NAMED(DateCompare),       KT_NAMED(TimeCompare),        KT_NAMED(DaTimeCompare),
+    KT_NAMED(d_DateCompare),    KT_NAMED(d_TimeCompare),     KT_NAMED(d_TimestampCompare), KT_NAMED(ObjIdCompare),
+    KT_NAMED(ClassIdCompare),   KT_NAMED(RefCompare),        KT_NAMED(BlobCompare),        KT_NAMED(StringStore),
+    KT_NAMED(StringLoad),       KT_NAMED(StringSizeGet),     KT_NAMED(CharStore),          KT_NAMED(ShortStore),
+    KT_NAMED(LongStore),        KT_NAMED(FloatStore),        KT_NAMED(DoubleStore),        KT_NAMED(IntStore),
+    KT_NAMED(IntLoad),          KT_NAMED(UnsignedStore),     KT_NAMED(UnsignedLoad),       KT_NAMED(CharSizeGet),
+    KT_NAMED(ShortSizeGet),     KT_NAMED(LongSizeGet),       KT_NAMED(FloatSizeGet),       KT_NAMED(DoubleSizeGet),
+    KT_NAMED(IntSizeGet),       KT_NAMED(CharNullSizeGet),   KT_NAMED(ShortNullSizeGet),   KT_NAMED(LongNullSizeGet),
+    KT_NAMED(FloatNullSizeGet), KT_NAMED(DoubleNullSizeGet), KT_NAMED(IntNullSizeGet),
 };
+#undef KT_NAMED
+
+const char* nameOf(Function function) {
+  const auto* found = std::find_if(std::begin(kNamed), std::end(kNamed),
+                                   [&](const Named& named) { return named.function == function; });
+  return found == std::end(kNamed) ? nullptr : found->name;
+}
+
+// --- families ---------------------------------------------------------------------------------------------------------
+
+constexpr char kNumbers[] = "all its values are numbers";
+constexpr char kNoNullClass[] = "its class has no null";
+constexpr char kCollated[] = "it sorts by the collation of a language, and the mark of a null is a language";
+constexpr char kNoOrderOfRanges[] = "its order is that of bytes, which tells nothing about a range";
+constexpr char kNoType[] = "it stands for every id that is no type";
+constexpr char kUnexplained[] = "for no reason that is known";  // a test finds none
+
+// Neighbours in the table whose operations are described in one source, and why they have no null.
+struct Family {
+  KtTypeId first, last;
+  const char* source;
+  const char* whyNoNull;
+};
+
+constexpr Family kFamilies[] = {
+    {KT_ID_char, KT_ID_KtByte, "src/ops/scalar_ops.h", kNumbers},
+    {KT_ID_KtString, KT_ID_KtString, "src/ops/string_ops.h", nullptr},
+    {KT_ID_KtDate, KT_ID_KtTime, "src/ops/date_ops.h", nullptr},
+    {KT_ID_BlockId, KT_ID_BlockId, "src/ops/scalar_ops.h", kNumbers},
+    {KT_ID_KtObjId, KT_ID_KtRef, "src/ops/identity_ops.h", nullptr},
+    {KT_ID_KtBlob, KT_ID_KtBlob, "src/ops/blob_ops.h", nullptr},
+    {KT_ID_KtDateTime, KT_ID_KtDateTime, "src/ops/date_ops.h", nullptr},
+    {KT_ID_KtIString, KT_ID_KtCaseIString, "src/ops/string_ops.h", kCollated},
+    {KT_ID_d_Date, KT_ID_d_Timestamp, "src/ops/odmg_ops.h", kNoNullClass},
+    {KT_ID_d_Interval, KT_ID_d_Interval, "src/ops/odmg_ops.h", kNumbers},
+    {KT_ID_KtInt64, KT_ID_KtInt64, "src/ops/int64_ops.h", kNumbers},
+    {KT_ID_KtBoolean, KT_ID_KtBoolean, "src/ops/boolean_ops.h", nullptr},
+    {KT_ID_KtNull_char, KT_ID_KtNull_KtInt64, "src/ops/nullable_ops.h", nullptr},
+    {KT_ID_KtSeal, KT_ID_KtSeal, "src/ops/seal_ops.h", kNumbers},
+    {KT_ID_illegal, KT_ID_illegal, "src/ops/illegal_ops.h", nullptr},
+};
+
+constexpr Family kUnknown{KT_ID_illegal, KT_ID_illegal, "src/table/type_table.cpp", nullptr};
+
+const Family& familyOf(char id) {
+  const auto* found = std::find_if(std::begin(kFamilies), std::end(kFamilies),
+                                   [&](const Family& family) { return id >= family.first && id <= family.last; });
+  return found == std::end(kFamilies) ? kUnknown : *found;
+}
+
+const char* reasonFor(char id, const std::string& operation) {
+  if (id == KT_ID_illegal) return kNoType;
+  if (operation == "EvalAndBound" && id == KT_ID_KtBlob) return kNoOrderOfRanges;
+  const char* whyNoNull = operation == "SetNull" ? familyOf(id).whyNoNull : nullptr;
+  return whyNoNull == nullptr ? kUnexplained : whyNoNull;
+}
 
 }  // namespace
 
 std::vector<Offer> offersOf(const Type& type) {
-  const std::vector<Values> samples = samplesOf(type);
-  const Probe probe{.type = type, .samples = samples};
   std::vector<Offer> offers;
-  std::transform(std::begin(kQuestions), std::end(kQuestions), std::back_inserter(offers),
-                 [&](const Question& question) {
-                   return Offer{.operation = question.operation, .offered = question.offered(probe)};
-                 });
+  for (const Field& field : kFields) {
+    const Function function = field.of(manager().DescriptorGet(type.id));
+    const bool offered = function != nullptr && function != field.of(manager().DescriptorGet(KT_ID_illegal));
+    offers.push_back({.operation = field.name,
+                      .offered = offered,
+                      .function = offered ? nameOf(function) : nullptr,
+                      .reason = offered ? nullptr : reasonFor(type.id, field.name)});
+  }
   return offers;
 }
+
+const char* sourceOf(const Type& type) { return familyOf(type.id).source; }
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// types: the type table, as a list, as the matrix of what each type offers, or one type in words.
+// types: the type table, as a list, as the matrix of what each type offers, or one type in words and functions.
 #include "cli.h"
 #include "error.h"
 #include "offers.h"
@@ -71,24 +71,27 @@ std::string nullText(const Type& type) {
   return "yes, written " + toTerminal(KtTypeMgr::GetNullPrintString());
 }
 
-std::string listOf(const std::vector<Offer>& offers, bool offered) {
-  std::string list;
-  for (const Offer& offer : offers) {
-    if (offer.offered == offered) list += (list.empty() ? "" : ", ") + std::string(offer.operation);
-  }
-  return list.empty() ? "nothing" : list;
+std::string answerOf(const Offer& offer) {
+  if (!offer.offered) return std::string("not offered: ") + offer.reason;
+  return offer.function == nullptr ? "inside" : offer.function;
+}
+
+void printFunctions(const Type& type) {
+  constexpr std::size_t kOperationWidth = 20;
+  printLine(std::string("  source        ") + sourceOf(type));
+  printLine("  functions     programs can call those that have a name; the others are inside the library");
+  for (const Offer& offer : offersOf(type))
+    printLine("    " + padded(offer.operation, kOperationWidth) + answerOf(offer));
 }
 
 void printWords(const Type& type) {
-  const std::vector<Offer> offers = offersOf(type);
   printLine(type.name + ", type id " + std::to_string(type.id));
   printLine("  in memory     " + counted(memLenOf(type), "byte") +
             (type.fixed ? ", fixed length" : ": a handle, the length varies"));
   printLine("  on disk       " + diskSize(type));
   printLine("  null value    " + nullText(type));
   printLine("  format        \"" + type.format + '"');
-  printLine("  offers        " + listOf(offers, true));
-  printLine("  lacks         " + listOf(offers, false));
+  printFunctions(type);
 }
 
 struct Types {
@@ -109,7 +112,8 @@ struct Types {
 };
 
 const char kTypesExamples[] =
-    "Examples: one type in words, by name and by id; and which operations each type offers\n"
+    "Examples: one type in words and the functions of its row, by name and by id; and which operations each type "
+    "offers\n"
     "  kttm types KtDate\n"
     "  kttm types 12\n"
     "  kttm types --matrix";
