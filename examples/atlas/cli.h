@@ -26,6 +26,18 @@ inline CLI::Validator notNegative() {
   return {reason, ""};
 }
 
+// For sizes of maps in bytes. Smaller ones hold no database, and no address space has room for larger ones.
+inline CLI::Validator isMapSize() {
+  const auto reason = [](const std::string& bytes) -> std::string {
+    constexpr unsigned long long kLeast = 1ULL << 16;
+    constexpr unsigned long long kGreatest = 1ULL << 46;
+    unsigned long long size = 0;  // the largest number stands for all that are larger
+    const bool fits = CLI::detail::lexical_cast(bytes, size) && size >= kLeast && size <= kGreatest;
+    return fits ? "" : bytes + " bytes are no size of a database: 64KB to 64TB are";
+  };
+  return {reason, ""};
+}
+
 // Each adds its subcommand, whose work is done after all arguments are parsed.
 void addLoad(CLI::App& app, const Globals& globals);
 void addFill(CLI::App& app, const Globals& globals);

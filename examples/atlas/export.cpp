@@ -4,6 +4,7 @@
 #include "progress.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,25 +18,22 @@
 namespace atlas {
 namespace {
 
-// A file that gets its name when all of it is on the disk; until then, and without finish(), it is not there for others.
+// The file while it is written; behind the name of the file that it becomes.
+constexpr char kUnfinished[] = ".unfinished";
+
+// A file that gets its name when all of it is on the disk; until then it has another. That one is the same every time and
+// goes with the object: what a killed export has left, the next one to the same file writes anew.
 class NewFile {
 public:
-  explicit NewFile(const std::string& name) : name_(name), temporary_(name + ".XXXXXX") {
-    struct stat there;
-    if (stat(name.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
-      throw Error(kExitBroken, "cannot write \"" + name + "\": it is there, and no ordinary file");
-    }
-    const int file = mkstemp(temporary_.data());
-    if (file < 0) fail();
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, 0666 & ~mask);
-    close(file);
+  explicit NewFile(const std::string& name) : name_(name), temporary_(name + kUnfinished) {
+    checkOrdinary(name_);
+    checkOrdinary(temporary_);
+    lockTemporary();
     out_.open(temporary_, std::ios::binary | std::ios::trunc);
-    isThere_ = true;
   }
   ~NewFile() {
-    if (isThere_) unlink(temporary_.c_str());
+    if (!isFinished_) unlink(temporary_.c_str());
+    close(file_);
   }
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
@@ -50,16 +48,36 @@ public:
   void finish() {
     out_.close();
     check();
-    const int file = ::open(temporary_.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool isSynced = file >= 0 && fsync(file) == 0;
-    const int error = errno;
-    if (file >= 0) close(file);
-    errno = error;
-    if (!isSynced || std::rename(temporary_.c_str(), name_.c_str()) != 0) fail();
-    isThere_ = false;
+    if (fsync(file_) != 0 || std::rename(temporary_.c_str(), name_.c_str()) != 0) fail();
+    isFinished_ = true;
   }
 
 private:
+  static void checkOrdinary(const std::string& name) {
+    struct stat there;
+    if (stat(name.c_str(), &there) != 0 || S_ISREG(there.st_mode)) return;
+    throw Error(kExitBroken, "cannot write \"" + name + "\": it is there, and no ordinary file");
+  }
+
+  // Two exports to one file would write into each other. A file whose lock came free when another export renamed or
+  // removed it is not the temporary one any more. Where files cannot be locked, nobody is kept out.
+  void lockTemporary() {
+    for (;;) {
+      file_ = ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+      if (file_ < 0) fail();
+      const bool isTaken = flock(file_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+      if (!isTaken && holdsTemporary()) return;
+      close(file_);
+      if (isTaken) throw Error(kExitBroken, "cannot write \"" + name_ + "\": another export does");
+    }
+  }
+
+  bool holdsTemporary() const {
+    struct stat held, there;
+    return fstat(file_, &held) == 0 && stat(temporary_.c_str(), &there) == 0 && held.st_dev == there.st_dev &&
+           held.st_ino == there.st_ino;
+  }
+
   [[noreturn]] void fail() const {
     const int error = errno;
     const bool isFull = error == ENOSPC || error == EDQUOT || error == EFBIG;
@@ -68,8 +86,9 @@ private:
 
   std::string name_;
   std::string temporary_;
+  int file_ = -1;  // the temporary file: its lock, and what no stream can do
   std::ofstream out_;
-  bool isThere_ = false;
+  bool isFinished_ = false;
 };
 
 unsigned long long writeAll(const Database& database, NewFile& file) {

@@ -126,7 +126,9 @@ Env::Env(const Options& options) : file_(options.file) {
   if (options.mapSize != 0) checkLmdb(mdb_env_set_mapsize(env, options.mapSize), "set the map size");
   const unsigned flags = MDB_NOSUBDIR | MDB_NOTLS | (options.readOnly ? MDB_RDONLY : 0U);
   const std::string action = "open " + quoted(file_);
-  checkLmdb(mdb_env_open(env, file_.c_str(), flags, kFileMode), action.c_str());
+  const int opened = mdb_env_open(env, file_.c_str(), flags, kFileMode);
+  if (opened == ENOMEM) throw Mistake("no address space for a map of this size; give less room by --map-size");
+  checkLmdb(opened, action.c_str());
   checkLmdb(mdb_env_stat(env, &page), "look at the database");
   if (sizeOf(file_) < kMetaPages * page.ms_psize) throw Error(kExitBroken, quoted(file_) + " is truncated");
   checkNotTruncated(env, file_);

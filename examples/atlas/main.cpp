@@ -87,7 +87,9 @@ int run(int argc, char** argv) {
       ->default_val("world.atlas")
       ->type_name("FILE");
   app.add_option("--map-size", globals.mapSize, "room that the database may grow to, e.g. 8GB (default: 4GB)")
-      ->transform(CLI::AsSizeValue(false));
+      ->transform(CLI::AsSizeValue(false))
+      ->transform(atlas::notNegative())  // what is added last transforms first
+      ->check(atlas::isMapSize());
   addCommands(app, globals);
   try {
     app.parse(argc, argv);

@@ -26,18 +26,22 @@ expect 0 "sound: 25,250 objects" "$atlas" check
   finish) || fail "a full disk"
 expect 0 "sound: 250 objects" "$atlas" --db "$dir/full.atlas" check
 
-# Cut anywhere: the size tells, before anything is read.
+# Cut anywhere: the size tells, before anything is read, and what is left of the file stays as it is.
 size=$(wc -c <"$ATLAS_DB")
 for length in 1 4095 4096 8192 $((size / 2)) $((size - 4096)) $((size - 1)); do
   head -c "$length" "$ATLAS_DB" >"$dir/cut.atlas"
-  for command in check "fill 5"; do
+  before=$(cksum <"$dir/cut.atlas")
+  for command in check "fill 5" "load $data/cities.csv" "import $here/../../../tests/data/atlas_small/small.export" \
+    "export $dir/cut.export"; do
     # shellcheck disable=SC2086
     "$atlas" --db "$dir/cut.atlas" $command >"$dir/out" 2>&1
     code=$?
     { [ $code = 3 ] || [ $code = 5 ]; } || fail "cut to $length, $command: exit code $code: $(tail -n 1 "$dir/out")"
     grep -q '^atlas: ' "$dir/out" || fail "cut to $length, $command: no message"
+    [ "$(cksum <"$dir/cut.atlas")" = "$before" ] || fail "cut to $length, $command: the file has changed"
   done
 done
+for left in "$dir"/cut.export*; do [ ! -e "$left" ] || fail "an export of a cut database left $left"; done
 
 # Cut while it is read: the reader waits in the middle, because nobody takes what it writes, and then finds its pages gone.
 mkfifo "$dir/pipe"

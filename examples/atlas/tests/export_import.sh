@@ -22,6 +22,33 @@ expect 0 'sound: 50,442 objects' "$atlas" --db again check
 expect 0 '33 objects' "$atlas" --db small export small.export
 cmp small.export "$small/small.export" || fail "the small export differs"
 
+# --- killed -------------------------------------------------------------------------------------------------------------
+# An export that is killed leaves the file that it has begun, and the old one as it was; the next one clears up.
+cp small.export kept.export
+tries=0
+until [ -s kept.export.unfinished ] || [ $tries = 100 ]; do
+  tries=$((tries + 1))
+  "$atlas" --db world export kept.export >out 2>&1 &
+  exporter=$!
+  until [ -s kept.export.unfinished ] || ! kill -0 $exporter 2>/dev/null; do :; done
+  kill -9 $exporter 2>/dev/null
+  wait $exporter 2>/dev/null
+  cmp -s kept.export world.export && cp small.export kept.export
+done
+[ -s kept.export.unfinished ] || fail "no export could be killed"
+cmp -s kept.export small.export || fail "a killed export changed the old one"
+expect 0 '33 objects' "$atlas" --db small export kept.export
+cmp kept.export small.export || fail "an export over what was left differs"
+[ ! -e kept.export.unfinished ] || fail "what a killed export left is still there"
+
+# Another export that is under way keeps its file.
+if command -v flock >/dev/null; then
+  echo begun >kept.export.unfinished
+  refuse 5 'cannot write "kept.export": another export does' flock kept.export.unfinished "$atlas" --db small export kept.export
+  [ "$(cat kept.export.unfinished)" = begun ] || fail "a refused export wrote into another one's file"
+  cmp kept.export small.export || fail "a refused export changed the old one"
+fi
+
 # --- refused ------------------------------------------------------------------------------------------------------------
 # refuse_all CODE TEXT COMMAND...: in one line, and no database x and no x.export is left.
 refuse_all() {
@@ -66,6 +93,9 @@ refuse_all 4 'full; give it more room by --map-size' "$atlas" --db x --map-size 
 refuse_all 5 'cannot write "missing/x.export": No such file or directory' "$atlas" --db small export missing/x.export
 mkdir folder
 refuse_all 5 'cannot write "folder": it is there, and no ordinary file' "$atlas" --db small export folder
+mkdir x.unfinished
+refuse 5 'cannot write "x.unfinished": it is there, and no ordinary file' "$atlas" --db small export x
+rmdir x.unfinished
 (ulimit -f 8 && refuse_all 4 'cannot write "x.export"' "$atlas" --db world export x.export && finish) ||
   fail "an export without room"
 refuse_all 3 'there is no database' "$atlas" --db missing export x.export

@@ -27,6 +27,17 @@ cmp -s "$dir/a" "$dir/b" || fail "fill is not deterministic"
 [ "$(wc -l <"$dir/a")" = 28000 ] || fail "fill: count"
 expect 0 "sound: 28,442 objects" "$atlas" check
 
+# A line on a terminal tells how far it is; elsewhere standard error stays empty.
+for command in "fill 3000" "load $data/founding_dates.csv --every 0" "export $dir/x.export"; do
+  # shellcheck disable=SC2086
+  "$atlas" --db "$dir/other.atlas" $command >"$dir/out" 2>"$dir/err" || fail "$command"
+  [ ! -s "$dir/err" ] || fail "$command: on standard error, which is no terminal: $(cat "$dir/err")"
+done
+if script --version 2>/dev/null | grep -q util-linux; then
+  script -qec "'$atlas' --db '$dir/other.atlas' fill 3000" /dev/null </dev/null >"$dir/out"
+  grep -q 'city \[#* *\] [0-9,]* objects, [0-9,]* a second' "$dir/out" || fail "on a terminal: $(cat "$dir/out")"
+fi
+
 refuse 3 "was made in the language english, not swedish" "$atlas" load --language swedish "$data/cities.csv"
 refuse 2 "is no language" "$atlas" load --language klingon "$data/cities.csv"
 finish

@@ -44,6 +44,16 @@ for negative in 'fill -5' 'fill 5 --every -1' 'dump --limit -1' "load $data/citi
   # shellcheck disable=SC2086
   refuse 2 'is less than 0' "$atlas" $negative
 done
+for size in -1 -5MB; do refuse 2 "--map-size: \"$size\" is less than 0" "$atlas" --map-size $size check; done
+for size in 0 100 65535 65TB 99999999999999999999; do
+  refuse 2 'are no size of a database: 64KB to 64TB are' "$atlas" --db "$dir/x.atlas" --map-size $size load "$data/countries.csv"
+done
+for size in 16EB many 1.5GB ''; do refuse 2 '--map-size: ' "$atlas" --map-size "$size" check; done
+[ -e "$dir/x.atlas" ] && fail "a refused size left a database behind"
+expect 0 "sound: 250 objects" "$atlas" --map-size 64TB check
+# Less address space than the map takes; programs under a sanitizer do not start with so little.
+(ulimit -v 4000000 && { ! "$atlas" --help >/dev/null 2>&1 ||
+  refuse 2 'no address space for a map of this size' "$atlas" --map-size 1TB check; } && finish) || fail "no address space"
 if [ -c /dev/full ]; then
   "$atlas" dump >/dev/full 2>"$dir/err"
   [ $? = 5 ] || fail "an output that is full: $(cat "$dir/err")"
