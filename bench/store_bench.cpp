@@ -119,6 +119,10 @@ void addWidth(Convert store, Convert load) {
         .contestant("kttm", convertRuns<T>)
         .contestant("memcpy", copyRuns<T>)
         .contestant("swap_loop", swapLoops<T>);
+    storeJob<T>("load_swapped_", load, kSwapped, size)
+        .contestant("kttm", convertRuns<T>)
+        .contestant("memcpy", copyRuns<T>)
+        .contestant("swap_loop", swapLoops<T>);
   }
 }
 
