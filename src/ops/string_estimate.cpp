@@ -14,13 +14,23 @@
 namespace kt {
 namespace {
 
+// What assertion handlers are told: programs recognise a broken rule by source and line, so these stay when the code moves.
 constexpr char kSourceFile[] = "src\\kttypevl";
 constexpr int kLengthLine = 612;
 constexpr int kWildcardLine = 748;
 
+// A text that begins with a wildcard has no place in the order: whichever side is asked for, all of the range is.
 constexpr unsigned kAnySide = KtBOUND_EQUAL | KtBOUND_LESS | KtBOUND_GREATER;
 
 // --- the estimate -------------------------------------------------------------------------------------------------
+
+// No operator has a share of its own; what it selects is measured between the numbers of the keys (order_number.h):
+//
+//   equal          one unit, the least that two texts are apart. How often a text occurs is not known, so it counts as one
+//                  key: next to nothing of a wide range, and all of a range that holds one key
+//   less, greater  what lies on that side, and a unit for a bound there whose number ties with that of the text
+//   a pattern      the span of all that goes on as its literal text; the whole range where a wildcard comes first
+//   no range       0: nothing is known of the index that a share could be taken of
 
 struct BoundKey {
   unsigned char* bytes;
@@ -57,7 +67,7 @@ double selectedArea(const OrderSpans& spans, const BoundKey& low, const BoundKey
   return area;
 }
 
-// What begins with a wildcard may stand anywhere.
+// Equality, which every side stands for there, selects the whole range.
 void checkWildcard(const Comparison& comparison, unsigned flags, double area, double totalArea) {
   if (comparison.startsWithWildcard && (flags & kAnySide) != 0 && !(area >= totalArea))
     KATO_assert("charWildPos != 0 || valueRange >= valueTotalArea", kSourceFile, kWildcardLine);
