@@ -121,9 +121,7 @@ KtDateTime DateTimeValue::fromText(const KtString& s) {
 
 long DateCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                  unsigned short options, unsigned long count, int& status) {
-  if ((options & KtCMP_NO_WILDCARDS) != 0)
-    return kt::compareOperation<kt::DateOrder<false>>(format, lengthA, a, lengthB, b, count, status);
-  return kt::compareOperation<kt::DateOrder<true>>(format, lengthA, a, lengthB, b, count, status);
+  return kt::compareDates<kt::DateOrder>(format, lengthA, a, lengthB, b, options, count, status);
 }
 
 long TimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short,

@@ -5,6 +5,7 @@
 #define KT_OPS_DATE_OPS_H
 
 #include "ktdatetime.h"
+#include "ktstring.h"
 #include "kttypops.h"
 #include "ops/class_text.h"
 #include "ops/date_kernels.h"
@@ -45,6 +46,15 @@ inline long compareDiskDates(unsigned char code, const unsigned char* a, const u
   if (kWildcards && b[2] == kAnyByte) return b[3] == kAnyByte ? 0 : compareSignedBytes(a[3], b[3]);
   if (kWildcards && b[3] == kAnyByte) return compareSignedBytes(a[2], b[2]);
   return compareSignedBytes(a + 2, b + 2, 2);
+}
+
+// The compare of rows whose dates on disk know wildcards, which the options forbid.
+template <template <bool kWildcards> class Order>
+inline long compareDates(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
+                         unsigned short options, unsigned long count, int& status) {
+  if ((options & KtCMP_NO_WILDCARDS) != 0)
+    return compareOperation<Order<false>>(format, lengthA, a, lengthB, b, count, status);
+  return compareOperation<Order<true>>(format, lengthA, a, lengthB, b, count, status);
 }
 
 // What values without padding, of the same size everywhere, have in common.

@@ -96,9 +96,7 @@ unsigned long OdmgTimestampValue::store(void* dst, const void* src, unsigned cha
 
 long d_DateCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                    unsigned short options, unsigned long count, int& status) {
-  if ((options & KtCMP_NO_WILDCARDS) != 0)
-    return kt::compareOperation<kt::OdmgDateOrder<false>>(format, lengthA, a, lengthB, b, count, status);
-  return kt::compareOperation<kt::OdmgDateOrder<true>>(format, lengthA, a, lengthB, b, count, status);
+  return kt::compareDates<kt::OdmgDateOrder>(format, lengthA, a, lengthB, b, options, count, status);
 }
 
 long d_TimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short,
@@ -108,7 +106,5 @@ long d_TimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigne
 
 long d_TimestampCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                         unsigned short options, unsigned long count, int& status) {
-  if ((options & KtCMP_NO_WILDCARDS) != 0)
-    return kt::compareOperation<kt::OdmgTimestampOrder<false>>(format, lengthA, a, lengthB, b, count, status);
-  return kt::compareOperation<kt::OdmgTimestampOrder<true>>(format, lengthA, a, lengthB, b, count, status);
+  return kt::compareDates<kt::OdmgTimestampOrder>(format, lengthA, a, lengthB, b, options, count, status);
 }

@@ -25,10 +25,23 @@ void setUniversalTime(d_Time& time, const KtTime& scanned) {
   time.hundredths = 0;
 }
 
+// Fields as they are, also those of no day.
+KtDate dateOf(const d_Date& date) { return {date.year, date.month, date.day}; }
+
 template <class Memory>
 bool put(void* value, const Memory& scanned) {
   std::memcpy(value, &scanned, sizeof scanned);
   return true;
+}
+
+// The value with what `set` makes of the text. False, and the value stays, when memory ran out.
+template <class Memory, class Set>
+bool scanInto(void* value, const KtString& in, const char* format, Set set) {
+  KtDateTime scanned = KtDateTime::Null();
+  if (!scanDateTime(in, format, &scanned)) return false;
+  auto memory = readValue<Memory>(value);
+  set(memory, scanned);
+  return put(value, memory);
 }
 
 // --- conversions --------------------------------------------------------------------------------------------------------
@@ -68,15 +81,29 @@ private:
 
 constexpr unsigned kRoom = 64;
 
-int writeDate(char* text, const d_Date& date) {
+// The text of a value, into kRoom bytes, twice as many for both parts; its length.
+int write(char* text, const d_Date& date) {
   return std::snprintf(text, kRoom, "%.4d-%.2d-%.2d", date.year, date.month, date.day);
 }
 
 // Both fields of a zone have its sign; where they do not, the minutes show theirs.
-int writeTime(char* text, const d_Time& time) {
+int write(char* text, const d_Time& time) {
   const int sign = time.tz_hour < 0 || (time.tz_hour == 0 && time.tz_minute < 0) ? -1 : 1;
   return std::snprintf(text, kRoom, "%.2d:%.2d:%.2d.%.2d%c%.2d:%.2d", time.hour, time.minute, time.second,
                        time.hundredths, sign < 0 ? '-' : '+', sign * time.tz_hour, sign * time.tz_minute);
+}
+
+int write(char* text, const d_Timestamp& timestamp) {
+  const int length = write(text, timestamp.date);
+  text[length] = ' ';
+  return length + 1 + write(text + length + 1, timestamp.time);
+}
+
+template <class Value>
+KtString textOf(const Value& value) {
+  char text[2 * kRoom];
+  write(text, value);
+  return KtString(text);
 }
 
 d_Date readDate(NumberReader& reader) {
@@ -105,11 +132,7 @@ d_Time readTime(NumberReader& reader) {
 
 // --- d_Date -------------------------------------------------------------------------------------------------------------
 
-KtString OdmgDateValue::toText(const d_Date& v) {
-  char text[kRoom];
-  writeDate(text, v);
-  return KtString(text);
-}
+KtString OdmgDateValue::toText(const d_Date& v) { return textOf(v); }
 
 d_Date OdmgDateValue::fromText(const KtString& s) {
   NumberReader reader(s);
@@ -117,22 +140,16 @@ d_Date OdmgDateValue::fromText(const KtString& s) {
 }
 
 void OdmgDateValue::print(KtString& out, void* value, const char* format) {
-  const auto date = readValue<d_Date>(value);
-  printDateTime(out, KtDateTime(KtDate(date.year, date.month, date.day), KtTime(0, 0, 0)), format);
+  printDateTime(out, KtDateTime(dateOf(readValue<d_Date>(value)), KtTime(0, 0, 0)), format);
 }
 
 bool OdmgDateValue::scan(void* value, const KtString& in, const char* format) {
-  KtDateTime scanned = KtDateTime::Null();
-  return scanDateTime(in, format, &scanned) && put(value, d_Date(scanned));
+  return scanInto<d_Date>(value, in, format, [](d_Date& date, const KtDateTime& scanned) { date = d_Date(scanned); });
 }
 
 // --- d_Time -------------------------------------------------------------------------------------------------------------
 
-KtString OdmgTimeValue::toText(const d_Time& v) {
-  char text[kRoom];
-  writeTime(text, v);
-  return KtString(text);
-}
+KtString OdmgTimeValue::toText(const d_Time& v) { return textOf(v); }
 
 d_Time OdmgTimeValue::fromText(const KtString& s) {
   NumberReader reader(s);
@@ -144,22 +161,13 @@ void OdmgTimeValue::print(KtString& out, void* value, const char* format) {
 }
 
 bool OdmgTimeValue::scan(void* value, const KtString& in, const char* format) {
-  KtDateTime scanned = KtDateTime::Null();
-  if (!scanDateTime(in, format, &scanned)) return false;
-  auto time = readValue<d_Time>(value);
-  setUniversalTime(time, scanned.time);
-  return put(value, time);
+  return scanInto<d_Time>(value, in, format,
+                          [](d_Time& time, const KtDateTime& scanned) { setUniversalTime(time, scanned.time); });
 }
 
 // --- d_Timestamp ----------------------------------------------------------------------------------------------------------
 
-KtString OdmgTimestampValue::toText(const d_Timestamp& v) {
-  char text[2 * kRoom];
-  const int length = writeDate(text, v.date);
-  text[length] = ' ';
-  writeTime(text + length + 1, v.time);
-  return KtString(text);
-}
+KtString OdmgTimestampValue::toText(const d_Timestamp& v) { return textOf(v); }
 
 d_Timestamp OdmgTimestampValue::fromText(const KtString& s) {
   NumberReader reader(s);
@@ -170,17 +178,14 @@ d_Timestamp OdmgTimestampValue::fromText(const KtString& s) {
 
 void OdmgTimestampValue::print(KtString& out, void* value, const char* format) {
   const auto timestamp = readValue<d_Timestamp>(value);
-  const d_Date& date = timestamp.date;
-  printDateTime(out, KtDateTime(KtDate(date.year, date.month, date.day), universalTime(timestamp.time)), format);
+  printDateTime(out, KtDateTime(dateOf(timestamp.date), universalTime(timestamp.time)), format);
 }
 
 bool OdmgTimestampValue::scan(void* value, const KtString& in, const char* format) {
-  KtDateTime scanned = KtDateTime::Null();
-  if (!scanDateTime(in, format, &scanned)) return false;
-  auto timestamp = readValue<d_Timestamp>(value);
-  timestamp.date = scanned.date;
-  setUniversalTime(timestamp.time, scanned.time);
-  return put(value, timestamp);
+  return scanInto<d_Timestamp>(value, in, format, [](d_Timestamp& timestamp, const KtDateTime& scanned) {
+    timestamp.date = scanned.date;
+    setUniversalTime(timestamp.time, scanned.time);
+  });
 }
 
 // --- d_Interval -----------------------------------------------------------------------------------------------------------
