@@ -136,7 +136,8 @@ endif()
 # Sizes in memory are those of 64 bits.
 if(KTTM_NATIVE64 AND TARGET kttm_tool AND KTTM_BASH)
   set(check_page "${KTTM_BASH}" "${PROJECT_SOURCE_DIR}/tests/tool/check_page.sh" $<TARGET_FILE:kttm_tool>)
-  add_test(NAME tool.docs_show_the_types_as_they_are COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/docs/types.md" 3)
+  add_test(NAME tool.docs_list_the_types_as_they_are COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/docs/types.md" 1)
+  add_test(NAME tool.docs_show_what_types_offer COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/docs/operations.md" 2)
   add_test(NAME tool.readme_shows_what_it_prints_and_the_first_example
            COMMAND ${check_page} "${PROJECT_SOURCE_DIR}/README.md" 5 "${PROJECT_SOURCE_DIR}/examples/first/first.cpp")
 endif()

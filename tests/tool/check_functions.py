@@ -53,7 +53,7 @@ class Sources:
 def main():
     tool, root = sys.argv[1], pathlib.Path(sys.argv[2])
     names, operations, sources = declared(root), fields(root), Sources(root)
-    page = (root / "docs/types.md").read_text()
+    page = (root / "docs/operations.md").read_text()
     failures, printed = [], set()
     for number, row in sources.rows.items():
         shown = subprocess.run([tool, "types", number], check=True, capture_output=True, text=True).stdout
@@ -63,7 +63,7 @@ def main():
         printed |= {answer for _, answer in answers if answer != "inside" and not answer.startswith(NOT_OFFERED)}
         for operation, answer in answers:
             if answer.startswith(NOT_OFFERED) and answer.removeprefix(NOT_OFFERED) not in page:
-                failures.append(f"type {number}, {operation}: docs/types.md does not say '{answer}'")
+                failures.append(f"type {number}, {operation}: docs/operations.md does not say '{answer}'")
         source = re.search(r"^  source +(.*)$", shown, re.M).group(1)
         if source != sources.of(row):
             failures.append(f"type {number}: {source} is told, and its row is of {sources.of(row)}")
