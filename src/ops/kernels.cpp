@@ -162,49 +162,81 @@ KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, 
 
 #if defined(KT_FOR_AVX2)
 
-// What a block of doubles shows of itself, in vectors of four: the exclusive or of the bits, the least of the 32-bit
+// Blocks of doubles in vectors of four. What a block shows of itself: the exclusive or of the bits, the least of the 32-bit
 // halves as signed numbers (INT32_MIN among the upper halves for -0), and where one of two doubles is a NaN.
 struct DoublesBlock {
-  static constexpr unsigned long kVectors = 32;
-  static constexpr unsigned long kDoubles = kVectors * 4;
+  static constexpr unsigned long kBytes = 2048;
+  static constexpr unsigned long kDoubles = kBytes / sizeof(double);
 
-  __m256i bits[2], least[2];
-  __m256d unordered;
+  __m256i bits[4], least[4];
+  __m256d unordered[2];
 };
 
-KT_FOR_AVX2 inline void takePair(DoublesBlock& block, const unsigned char* p) {
-  const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-  const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + sizeof a));
-  block.bits[0] = _mm256_xor_si256(block.bits[0], a);
-  block.bits[1] = _mm256_xor_si256(block.bits[1], b);
-  block.least[0] = _mm256_min_epi32(block.least[0], a);
-  block.least[1] = _mm256_min_epi32(block.least[1], b);
-  const __m256d apart = _mm256_cmp_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b), _CMP_UNORD_Q);
-  block.unordered = _mm256_or_pd(block.unordered, apart);
+KT_FOR_AVX2 inline __m256i fourAt(const unsigned char* p) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
-// As xorIeeeRun. Some blocks are taken value by value that need not be: negative numbers next to 0 look like -0.
-KT_FOR_AVX2 std::uint32_t xorDoublesByFours(const unsigned char* p, unsigned long n) {
-  const __m256i zero = _mm256_setzero_si256();
-  __m256i all = zero;
-  std::uint32_t sum = 0;
-  unsigned long i = 0;
-  for (; i + DoublesBlock::kDoubles <= n; i += DoublesBlock::kDoubles) {
-    const unsigned char* const at = p + i * sizeof(double);
-    DoublesBlock block{{zero, zero}, {zero, zero}, _mm256_setzero_pd()};
-    for (unsigned long k = 0; k < DoublesBlock::kVectors; k += 2) takePair(block, at + k * sizeof(__m256i));
-    const __m256i least = _mm256_min_epi32(block.least[0], block.least[1]);
-    const __m256i negativeZero = _mm256_cmpeq_epi32(least, _mm256_set1_epi32(-0x7FFFFFFF - 1));
-    if (_mm256_movemask_pd(_mm256_or_pd(block.unordered, _mm256_castsi256_pd(negativeZero))) == 0) {
-      all = _mm256_xor_si256(all, _mm256_xor_si256(block.bits[0], block.bits[1]));
-    } else {
-      sum ^= xorIeeeWords<std::uint64_t, false>(at, DoublesBlock::kDoubles);
-    }
+template <int kPair>
+KT_FOR_AVX2 inline void takePair(DoublesBlock& block, const unsigned char* p) {
+  constexpr int kFirst = 2 * kPair, kSecond = kFirst + 1;
+  const __m256i a = fourAt(p);
+  const __m256i b = fourAt(p + sizeof a);
+  block.bits[kFirst] = _mm256_xor_si256(block.bits[kFirst], a);
+  block.bits[kSecond] = _mm256_xor_si256(block.bits[kSecond], b);
+  block.least[kFirst] = _mm256_min_epi32(block.least[kFirst], a);
+  block.least[kSecond] = _mm256_min_epi32(block.least[kSecond], b);
+  const __m256d apart = _mm256_cmp_pd(_mm256_castsi256_pd(a), _mm256_castsi256_pd(b), _CMP_UNORD_Q);
+  block.unordered[kPair] = _mm256_or_pd(block.unordered[kPair], apart);
+}
+
+// Numbers next to 0 look like -0.
+KT_FOR_AVX2 inline bool mayHoldExceptions(const DoublesBlock& block) {
+  const __m256i least = _mm256_min_epi32(_mm256_min_epi32(block.least[0], block.least[1]),
+                                         _mm256_min_epi32(block.least[2], block.least[3]));
+  const __m256i negativeZero = _mm256_cmpeq_epi32(least, _mm256_set1_epi32(-0x7FFFFFFF - 1));
+  const __m256d unordered = _mm256_or_pd(block.unordered[0], block.unordered[1]);
+  return _mm256_movemask_pd(_mm256_or_pd(unordered, _mm256_castsi256_pd(negativeZero))) != 0;
+}
+
+// The exclusive or of the bits, in which 0 stands for -0, and the word of a NaN for each.
+KT_FOR_AVX2 inline __m256i xorWithExceptions(const unsigned char* p) {
+  const __m256i negativeZero = _mm256_castpd_si256(_mm256_set1_pd(-0.0));
+  const __m256i nanWord = _mm256_set1_epi64x(kNanWord);
+  __m256i all = _mm256_setzero_si256();
+  for (const unsigned char* const end = p + DoublesBlock::kBytes; p != end; p += sizeof all) {
+    const __m256i bits = fourAt(p);
+    const __m256d number = _mm256_castsi256_pd(bits);
+    const __m256i isNan = _mm256_castpd_si256(_mm256_cmp_pd(number, number, _CMP_UNORD_Q));
+    const __m256i isDropped = _mm256_or_si256(isNan, _mm256_cmpeq_epi64(bits, negativeZero));
+    all = _mm256_xor_si256(all, _mm256_andnot_si256(isDropped, bits));
+    all = _mm256_xor_si256(all, _mm256_and_si256(isNan, nanWord));
   }
+  return all;
+}
+
+KT_FOR_AVX2 inline __m256i xorBlock(const unsigned char* p) {
+  const __m256i zero = _mm256_setzero_si256();
+  const __m256d none = _mm256_setzero_pd();
+  DoublesBlock block{{zero, zero, zero, zero}, {zero, zero, zero, zero}, {none, none}};
+#pragma GCC unroll 1
+  for (unsigned long i = 0; i < DoublesBlock::kBytes; i += 4 * sizeof zero) {
+    takePair<0>(block, p + i);
+    takePair<1>(block, p + i + 2 * sizeof zero);
+  }
+  if (mayHoldExceptions(block)) return xorWithExceptions(p);
+  return _mm256_xor_si256(_mm256_xor_si256(block.bits[0], block.bits[1]),
+                          _mm256_xor_si256(block.bits[2], block.bits[3]));
+}
+
+// As xorIeeeRun.
+KT_FOR_AVX2 std::uint32_t xorDoublesByFours(const unsigned char* p, unsigned long n) {
+  __m256i all = _mm256_setzero_si256();
+  for (; n >= DoublesBlock::kDoubles; n -= DoublesBlock::kDoubles, p += DoublesBlock::kBytes)
+    all = _mm256_xor_si256(all, xorBlock(p));
   std::uint64_t lanes[4];
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), all);
-  sum ^= Ieee<std::uint64_t>::fold(lanes[0] ^ lanes[1] ^ lanes[2] ^ lanes[3]);
-  return sum ^ xorIeeeWords<std::uint64_t, false>(p + i * sizeof(double), n - i);
+  const std::uint32_t sum = Ieee<std::uint64_t>::fold(lanes[0] ^ lanes[1] ^ lanes[2] ^ lanes[3]);
+  return sum ^ xorIeeeWords<std::uint64_t, false>(p, n);
 }
 
 #endif
