@@ -44,11 +44,15 @@ bool isNullOrTruth(unsigned char byte) { return byte < 2 || byte == 0xFF; }
 // Nulls are equal whatever text they hold; code set 255 is hashed by its bytes, and compared by its units.
 bool isOwnString(const KtString& s) { return s.IsNullValue() != 0 || s.codeSet == 255; }
 
+// Code set 0 is hashed by its bytes; beside another one it is compared as the native set.
+bool mayStringsHashApart(const KtString& a, const KtString& b) {
+  return isOwnString(a) || isOwnString(b) || (a.codeSet == 0) != (b.codeSet == 0);
+}
+
 // Values that are equal and hash apart, or the other way round; docs/decisions tells which and why.
 bool mayHashApart(const RowCase& c, const void* a, const void* b) {
   switch (c.id) {
-    case KT_ID_KtString:
-      return isOwnString(*static_cast<const KtString*>(a)) || isOwnString(*static_cast<const KtString*>(b));
+    case KT_ID_KtString: return mayStringsHashApart(*static_cast<const KtString*>(a), *static_cast<const KtString*>(b));
     case KT_ID_KtDate: return hasAnyField(valueAt<KtDate>(a)) || hasAnyField(valueAt<KtDate>(b));
     case KT_ID_KtDateTime: return hasAnyField(valueAt<KtDateTime>(a).date) || hasAnyField(valueAt<KtDateTime>(b).date);
     case KT_ID_d_Date: return !areDates(valueAt<d_Date>(a), valueAt<d_Date>(b));
