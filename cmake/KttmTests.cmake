@@ -105,8 +105,8 @@ endif()
 
 find_program(KTTM_BASH bash)
 
-# Sanitizers add exports of their own.
-if(Python3_FOUND AND NOT WIN32 AND NOT KTTM_SANITIZE)
+# Sanitizers and counters add exports of their own.
+if(Python3_FOUND AND NOT WIN32 AND NOT KTTM_SANITIZE AND NOT KTTM_COVERAGE)
   add_test(NAME libraries.export_what_the_lists_say
            COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/tests/libraries/check_exports.py"
                    $<TARGET_FILE:ktbs> $<TARGET_FILE:ktin> $<TARGET_FILE:kttm>)

@@ -28,6 +28,28 @@ TEST(TypeManager, elements_are_found_by_index_below_the_count) {
   EXPECT_EQ(mgr.DiskIsNullValue(KT_ID_KtString, nullptr), -2999);
 }
 
+// The functions handed out one by one are those of the row, of the table that the manager uses.
+TEST(TypeManager, hands_out_what_stands_in_the_row) {
+  for (const unsigned long version : {11ul, 12ul}) {
+    const KtTypeMgr mgr(version);
+    for (char id = 0; id < KtLEGACY_TYPE_COUNT; ++id) {
+      const KtTypeDescriptor& row = mgr.DescriptorGet(id);
+      EXPECT_STREQ(row.Name, mgr.NameGet(id, nullptr));
+      EXPECT_EQ(mgr.ConstructorPtrGet(id), row.Constructor);
+      EXPECT_EQ(mgr.DestructorPtrGet(id), row.Destructor);
+      EXPECT_EQ(mgr.AssignmentPtrGet(id), row.Assignment);
+      EXPECT_EQ(mgr.CopyPtrGet(id), row.Copy);
+      EXPECT_EQ(mgr.LoadPtrGet(id), row.Load);
+      EXPECT_EQ(mgr.StorePtrGet(id), row.Store);
+      EXPECT_EQ(mgr.IsNullPtrGet(id), row.IsNull);
+      EXPECT_EQ(mgr.SetNullPtrGet(id), row.SetNull);
+      EXPECT_EQ(mgr.CmpFuncPtrGet(id), row.Compare);
+      EXPECT_EQ(mgr.ComparePtrGet(id), nullptr);
+    }
+  }
+  EXPECT_NE(KtTypeMgr(11).StorePtrGet(KT_ID_KtString), KtTypeMgr(12).StorePtrGet(KT_ID_KtString));
+}
+
 KtString& printNothing(KtString& out, void*, const char*, unsigned long) { return out += 'x'; }
 void* scanNothing(void* values, KtString&, const char*, unsigned long) { return values; }
 long alwaysLess(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short, unsigned long, int& status) {

@@ -52,13 +52,6 @@ inline char* putPair(char* at, int number) {
   return pair < 100 ? putTwo(at, pair) : putNumber(at, number, 2);
 }
 
-inline char* putYear(char* at, int year) {
-  if (static_cast<unsigned>(year) >= 10000) [[unlikely]]
-    return putNumber(at, year, 4);
-  const unsigned century = static_cast<unsigned>(year) / 100;
-  return putTwo(putTwo(at, century), static_cast<unsigned>(year) - 100 * century);
-}
-
 // Anywhere, even where the "%" belongs to the directive before.
 bool holdsHalfDay(const char* format) {
   for (char last = 0; *format != '\0'; last = *format++) {
@@ -207,7 +200,7 @@ private:
       case 'p': return putHalfDay(at, hour() >= 12 ? 'p' : 'a', 'm');
       case 'P': return putHalfDay(at, hour() >= 12 ? 'P' : 'A', 'M');
       case 'S': return putPair(at, part(kTimeAt + offsetof(KtTime, second)));
-      case 'Y': return putYear(at, year());
+      case 'Y': return putNumber(at, year(), 4);  // one of four digits is printed above
       case 'y': return putPair(at, year() % 100);
       default: *at++ = letter; return at;
     }
