@@ -134,6 +134,7 @@ inline std::vector<KtString> sampleOf(const Texts& texts, std::size_t count) {
     if (random() % 4 == 0) units.insert(random() % (units.size() + 1), random() % 2 == 0 ? u" -" : u"- ");
     if (texts.codeSet == 253 && random() % 6 == 0)  // characters with several orders, of other scripts, ideographs
       units.insert(random() % (units.size() + 1), 1, u"\uAC00\uFFFE\u7FFF\u0416\u4E2D\u1EBF"[random() % 6]);
+    if (texts.codeSet == 253 && random() % 8 == 0) units += u"\u0416\u4E2D";  // an ideograph behind an alphabet
     if (random() % 6 == 0) {
       // Alike in far more than an index key holds, but for what tells them apart by case or at the very end.
       std::u16string beginning = random() % 2 == 0 ? u"Saint Thomas " : u"SAINT Thomas- ";
