@@ -141,7 +141,7 @@ inline std::uint64_t unequalBytes(const unsigned char* a, const unsigned char* b
 
 // The loops proper, once for plain x86-64 and once for wider vectors. Clones stay inside this file: their symbols differ
 // between compilers.
-KT_CLONES unsigned long equalBlocksLoop(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
+unsigned long equalBlocks(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
   if (unequalBytes(a, b) != 0) return 0;
   unsigned long i = kMaskBytes - reinterpret_cast<std::uintptr_t>(a) % kMaskBytes;  // few loads cross a cache line
   while (i + kBlockBytes <= bytes && equalBlock(a + i, b + i)) i += kBlockBytes;
@@ -162,6 +162,10 @@ KT_CLONES std::uint32_t xorDoublesLoop(const unsigned char* p, unsigned long n, 
 
 #if defined(KT_FOR_AVX2)
 
+KT_FOR_AVX2 inline __m256i bytesAt(const unsigned char* p) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+
 // Blocks of doubles in vectors of four. What a block shows of itself: the exclusive or of the bits, the least of the 32-bit
 // halves as signed numbers (INT32_MIN among the upper halves for -0), and where one of two doubles is a NaN.
 struct DoublesBlock {
@@ -172,15 +176,11 @@ struct DoublesBlock {
   __m256d unordered[2];
 };
 
-KT_FOR_AVX2 inline __m256i fourAt(const unsigned char* p) {
-  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-}
-
 template <int kPair>
 KT_FOR_AVX2 inline void takePair(DoublesBlock& block, const unsigned char* p) {
   constexpr int kFirst = 2 * kPair, kSecond = kFirst + 1;
-  const __m256i a = fourAt(p);
-  const __m256i b = fourAt(p + sizeof a);
+  const __m256i a = bytesAt(p);
+  const __m256i b = bytesAt(p + sizeof a);
   block.bits[kFirst] = _mm256_xor_si256(block.bits[kFirst], a);
   block.bits[kSecond] = _mm256_xor_si256(block.bits[kSecond], b);
   block.least[kFirst] = _mm256_min_epi32(block.least[kFirst], a);
@@ -204,7 +204,7 @@ KT_FOR_AVX2 inline __m256i xorWithExceptions(const unsigned char* p) {
   const __m256i nanWord = _mm256_set1_epi64x(kNanWord);
   __m256i all = _mm256_setzero_si256();
   for (const unsigned char* const end = p + DoublesBlock::kBytes; p != end; p += sizeof all) {
-    const __m256i bits = fourAt(p);
+    const __m256i bits = bytesAt(p);
     const __m256d number = _mm256_castsi256_pd(bits);
     const __m256i isNan = _mm256_castpd_si256(_mm256_cmp_pd(number, number, _CMP_UNORD_Q));
     const __m256i isDropped = _mm256_or_si256(isNan, _mm256_cmpeq_epi64(bits, negativeZero));
@@ -228,6 +228,44 @@ KT_FOR_AVX2 inline __m256i xorBlock(const unsigned char* p) {
                           _mm256_xor_si256(block.bits[2], block.bits[3]));
 }
 
+// Which of kBlockBytes bytes are equal, in vectors.
+constexpr unsigned long kVectors = 4, kComparedBytes = kVectors * sizeof(__m256i);
+
+struct ComparedBlock {
+  __m256i equal[kVectors];
+
+  KT_FOR_AVX2 ComparedBlock(const unsigned char* a, const unsigned char* b) {
+    for (unsigned long i = 0; i < kVectors; ++i)
+      equal[i] = _mm256_cmpeq_epi8(bytesAt(a + i * sizeof *equal), bytesAt(b + i * sizeof *equal));
+  }
+  KT_FOR_AVX2 bool isEqual() const {
+    const __m256i all = _mm256_and_si256(_mm256_and_si256(equal[0], equal[1]), _mm256_and_si256(equal[2], equal[3]));
+    return _mm256_movemask_epi8(all) == -1;
+  }
+  // Where it is not equal.
+  KT_FOR_AVX2 unsigned long firstDifference() const {
+    for (unsigned long i = 0;; ++i) {
+      const auto unequal = ~static_cast<unsigned>(_mm256_movemask_epi8(equal[i]));
+      if (unequal != 0) return i * sizeof *equal + static_cast<unsigned long>(std::countr_zero(unequal));
+    }
+  }
+};
+
+// As equalBytes, of at least kComparedBytes. Between the first block and the last, which overlap the others, no load of
+// `a` crosses a cache line.
+KT_FOR_AVX2 unsigned long equalBytesByVectors(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
+  const unsigned long last = bytes - kComparedBytes;
+  const ComparedBlock first(a, b);
+  if (!first.isEqual()) return first.firstDifference();
+  unsigned long i = kComparedBytes - reinterpret_cast<std::uintptr_t>(a) % kComparedBytes;
+  for (; i < last; i += kComparedBytes) {
+    const ComparedBlock block(a + i, b + i);
+    if (!block.isEqual()) return i + block.firstDifference();
+  }
+  const ComparedBlock block(a + last, b + last);
+  return block.isEqual() ? bytes : last + block.firstDifference();
+}
+
 // As xorIeeeRun.
 KT_FOR_AVX2 std::uint32_t xorDoublesByFours(const unsigned char* p, unsigned long n) {
   __m256i all = _mm256_setzero_si256();
@@ -244,7 +282,10 @@ KT_FOR_AVX2 std::uint32_t xorDoublesByFours(const unsigned char* p, unsigned lon
 }  // namespace
 
 unsigned long equalBytes(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
-  unsigned long i = bytes < kBlockBytes ? 0 : equalBlocksLoop(a, b, bytes);
+#if defined(KT_FOR_AVX2)
+  if (bytes >= kComparedBytes && hasAvx2()) return equalBytesByVectors(a, b, bytes);
+#endif
+  unsigned long i = bytes < kBlockBytes ? 0 : equalBlocks(a, b, bytes);
   for (; i + kMaskBytes <= bytes; i += kMaskBytes) {
     const std::uint64_t unequal = unequalBytes(a + i, b + i);
     if (unequal != 0) return i + static_cast<unsigned long>(std::countr_zero(unequal));

@@ -33,26 +33,33 @@ struct RunPair {
     const unsigned long inB = readable(lengthB);
     return inA < inB ? inA : inB;
   }
-  bool startsInside(unsigned long index, unsigned long length) const { return length == 0 || index * size < length; }
-  // 2101 when value `index` is asked for and begins at or after the end of a run.
-  int statusBefore(unsigned long index) const {
-    return index < count && !(startsInside(index, lengthA) && startsInside(index, lengthB)) ? KtERR_OVERRUN : 0;
+  static bool startsInside(unsigned long offset, unsigned long length) { return length == 0 || offset < length; }
+  // 2101 when a value behind `bytes` of readable pairs is asked for and begins at or after the end of a run.
+  int statusBehind(unsigned long bytes) const {
+    return bytes / size < count && !(startsInside(bytes, lengthA) && startsInside(bytes, lengthB)) ? KtERR_OVERRUN : 0;
   }
 };
+
+// Where the value begins that byte `offset` of a run belongs to.
+inline unsigned long valueStart(unsigned long offset, unsigned long size) {
+  const bool isPower = (size & (size - 1)) == 0;  // a division takes as long as comparing many values
+  return isPower ? offset & (0 - size) : offset - offset % size;
+}
 
 // Compares pair by pair and stops at the first difference. compareOne(a, b) compares one pair.
 template <bool kSkipEqualBytes, class CompareOne>
 long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
   const unsigned long pairs = runs.readablePairs();
-  const unsigned long size = runs.size;
-  for (unsigned long i = 0; i < pairs; ++i) {
+  const unsigned long size = runs.size, bytes = pairs * size;
+  for (unsigned long at = 0; at < bytes; at += size) {
     if constexpr (kSkipEqualBytes) {
-      i += equalBytes(runs.a + i * size, runs.b + i * size, (pairs - i) * size) / size;
-      if (i >= pairs) break;
+      at += equalBytes(runs.a + at, runs.b + at, bytes - at);
+      if (at >= bytes) break;
+      at = valueStart(at, size);
     }
-    const long result = compareOne(runs.a + i * size, runs.b + i * size);
+    const long result = compareOne(runs.a + at, runs.b + at);
     if (result != 0) {
-      status = runs.statusBefore(i + 1);
+      status = at + size < bytes ? 0 : runs.statusBehind(bytes);
       return result;
     }
   }

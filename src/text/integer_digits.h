@@ -4,6 +4,8 @@
 #ifndef KT_INTEGER_DIGITS_H
 #define KT_INTEGER_DIGITS_H
 
+#include "text/hex_vectors.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -101,6 +103,9 @@ inline char* writeLastDigits(char* at, std::uint64_t number, unsigned letterGap,
 // once more would wait for the stores.
 template <unsigned kBase>
 inline char* writeUpToSixteen(char* at, std::uint64_t number, unsigned letterGap) {
+#if defined(KT_HEX_VECTORS)
+  if constexpr (kBase == 16) return writeHexVector(at, number, letterGap);
+#endif
   const std::uint64_t back = splitDigits<kBase>(number % kEightDigits<kBase>);
   const std::uint64_t head = splitDigits<kBase>(number / kEightDigits<kBase>);
   const unsigned isShort = head == 0 ? 1 : 0;
@@ -223,6 +228,13 @@ inline ReadNumber readThreeWords(const char* p, unsigned long n) {
 template <unsigned kBase>
 inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
   if (n - 1 > 15) return n - 17 < 8 ? readThreeWords<kBase>(p, n) : readDigits<kBase>(p, n);
+#if defined(KT_HEX_VECTORS)
+  if constexpr (kBase == 16) {
+    ReadNumber number;
+    number.isNumber = readHexVector(p, n, number.value);
+    return number;
+  }
+#endif
   const unsigned long hasTwoWords = (n - 1) / 8;
   const unsigned long first = (n - 8) & (0 - hasTwoWords);  // characters of the first of two words
   // Each moves to the end of its word; what lies behind the text falls out.
