@@ -58,21 +58,26 @@ std::vector<std::string> utf16Of(const Names& names) {
 struct TreeData {
   explicit TreeData(const Names& names)
       : records(compareByType<KT_ID_KtString>, recordsOf(names)),
+        bytes(nullptr, recordsOf(names)),
         utf8(compareByIcu, names.utf8),
         utf16(compareUtf16ByIcu, utf16Of(names)) {}
 
-  Tree records, utf8, utf16;
+  Tree records;
+  Tree bytes;  // the same in the order of their bytes: the floor, LMDB with hardly a comparison
+  Tree utf8, utf16;
 };
 
 // Every name is found in every tree.
 bool allAreFound(TreeData& data) {
-  return data.records.findAll() == kBatch && data.utf8.findAll() == kBatch && data.utf16.findAll() == kBatch;
+  return data.records.findAll() == kBatch && data.bytes.findAll() == kBatch && data.utf8.findAll() == kBatch &&
+         data.utf16.findAll() == kBatch;
 }
 
 Job<TreeData> addJob(const char* name, unsigned char codeSet) {
   Job<TreeData> job(
       name, 0, kBatch, 0, [codeSet] { return std::make_unique<TreeData>(cityNames(codeSet, kBatch)); }, allAreFound);
   job.contestant("kttm", [](TreeData& data) { keep(data.records.findAll()); });
+  job.contestant("floor", [](TreeData& data) { keep(data.bytes.findAll()); });
   job.contestant("icu", [](TreeData& data) { keep(data.utf8.findAll()); });
   return job;
 }

@@ -110,16 +110,6 @@ template <class A, class B>
   return compareSteps(a, b, cmpOp, stepBefore(commonPrefix(a, b, readable), a));
 }
 
-// As differenceAt, but passes over one ignorable character on either side: whatever it counts, a primary difference
-// behind it comes first.
-template <class Cursor>
-std::int32_t differenceBehind(unsigned long index, const Cursor& a, const Cursor& b) {
-  const Weight k1 = primaryAt(*a.table(), a.data(), index);
-  const Weight k2 = primaryAt(*b.table(), b.data(), index);
-  return decidedDifference(primaryAt(*a.table(), a.data(), index + (k1 & kIgnorable)),
-                           primaryAt(*b.table(), b.data(), index + (k2 & kIgnorable)));
-}
-
 // --- two texts of one form in host order, whole ---------------------------------------------------------------------
 
 // What a primary difference decides between texts that are in step at x and y, or 0. Characters that differ in case or

@@ -66,6 +66,16 @@ template <class Table>
   return decidedDifference(primaryAt(table, a, index), primaryAt(table, b, index));
 }
 
+// The same, and an ignorable character on either side is passed over: whatever it counts, a primary difference behind it
+// comes first.
+template <class Table>
+[[gnu::always_inline]] inline std::int32_t differenceBehind(unsigned long index, const char* a, const char* b,
+                                                            const Table& table) {
+  const unsigned long x = index + (primaryAt(table, a, index) & kIgnorable);
+  const unsigned long y = index + (primaryAt(table, b, index) & kIgnorable);
+  return decidedDifference(primaryAt(table, a, x), primaryAt(table, b, y));
+}
+
 // Of texts at the beginning of blocks of 16 bytes or more, with a terminator. 0: not decided.
 template <unsigned long kCharSize, class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInBlocks(const char* a, const char* b, const Table& table) {
@@ -88,10 +98,7 @@ template <class Table>
   const Weight k1 = primaryAt(table, a, first / kCharSize);
   const Weight k2 = primaryAt(table, b, first / kCharSize);
   if (k1 == k2 && (k1 == 0 || k1 == kSeveral)) return 0;
-  const unsigned long at = (k1 == k2 ? second : first) / kCharSize;
-  const Weight q1 = primaryAt(table, a, at);
-  const Weight q2 = primaryAt(table, b, at);
-  return decidedDifference(primaryAt(table, a, at + (q1 & kIgnorable)), primaryAt(table, b, at + (q2 & kIgnorable)));
+  return differenceBehind((k1 == k2 ? second : first) / kCharSize, a, b, table);
 }
 
 // A text of that many bytes, with its terminator, in a block of blockSize() bytes.
