@@ -28,7 +28,8 @@ void keep(const T& value) {
 // job/contestant[/size]; a size of 0 is left out.
 std::string rowName(const std::string& job, const std::string& contestant, long size);
 
-// A job is named `job/contestant[/size]`; scripts/bench_table.py sets the contestant "kttm" against each other one.
+// A job is named `job/contestant[/size]`; scripts/bench_table.py sets the contestant "kttm" against each other one, but for
+// "floor": the least that any contestant would have to do, a limit instead of a peer.
 //
 // Data is made when the first row of the job runs, outside the clock; the contestants share it, so that caches and
 // alignment are alike. Every contestant works through one batch a call. Before the first row is timed, the check runs
