@@ -34,23 +34,29 @@ struct RunPair {
     return inA < inB ? inA : inB;
   }
   static bool startsInside(unsigned long offset, unsigned long length) { return length == 0 || offset < length; }
-  // 2101 when a value behind `bytes` of readable pairs is asked for and begins at or after the end of a run.
-  int statusBehind(unsigned long bytes) const {
-    return bytes / size < count && !(startsInside(bytes, lengthA) && startsInside(bytes, lengthB)) ? KtERR_OVERRUN : 0;
+  // 2101 when there is a value behind the readable pairs that is asked for and begins at or after the end of a run.
+  int statusBehind(unsigned long pairs) const {
+    const unsigned long offset = pairs * size;
+    return pairs < count && !(startsInside(offset, lengthA) && startsInside(offset, lengthB)) ? KtERR_OVERRUN : 0;
+  }
+  // A count that no memory can hold, in runs without lengths, stands for all memory.
+  unsigned long bytesOf(unsigned long pairs) const {
+    unsigned long bytes;
+    return __builtin_mul_overflow(pairs, size, &bytes) ? ~0ul - size : bytes;
   }
 };
 
 // Where the value begins that byte `offset` of a run belongs to.
 inline unsigned long valueStart(unsigned long offset, unsigned long size) {
-  const bool isPower = (size & (size - 1)) == 0;  // a division takes as long as comparing many values
-  return isPower ? offset & (0 - size) : offset - offset % size;
+  const bool isPowerOfTwo = (size & (size - 1)) == 0;  // a division takes as long as comparing many values
+  return isPowerOfTwo ? offset & (0 - size) : offset - offset % size;
 }
 
 // Compares pair by pair and stops at the first difference. compareOne(a, b) compares one pair.
 template <bool kSkipEqualBytes, class CompareOne>
 long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
   const unsigned long pairs = runs.readablePairs();
-  const unsigned long size = runs.size, bytes = pairs * size;
+  const unsigned long size = runs.size, bytes = runs.bytesOf(pairs);
   for (unsigned long at = 0; at < bytes; at += size) {
     if constexpr (kSkipEqualBytes) {
       at += equalBytes(runs.a + at, runs.b + at, bytes - at);
@@ -59,7 +65,7 @@ long compareRuns(const RunPair& runs, int& status, CompareOne compareOne) {
     }
     const long result = compareOne(runs.a + at, runs.b + at);
     if (result != 0) {
-      status = at + size < bytes ? 0 : runs.statusBehind(bytes);
+      status = at + size < bytes ? 0 : runs.statusBehind(pairs);
       return result;
     }
   }

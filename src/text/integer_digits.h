@@ -223,8 +223,8 @@ inline ReadNumber readThreeWords(const char* p, unsigned long n) {
   return {head * kEightDigits<kBase> + joinDigits<kBase>(low), bad == 0};
 }
 
-// As readDigits, of characters the first of which may be followed by fifteen more bytes, readable though without meaning.
-// Where there are one to sixteen characters nothing depends on a branch: how many they are cannot be predicted.
+// As readDigits; sixteen bytes are readable at p, whatever lies behind the characters. Where there are one to sixteen of
+// them nothing depends on a branch: how many they are cannot be predicted.
 template <unsigned kBase>
 inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
   if (n - 1 > 15) return n - 17 < 8 ? readThreeWords<kBase>(p, n) : readDigits<kBase>(p, n);
