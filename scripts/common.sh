@@ -26,7 +26,7 @@ packages_for() {
   case $1 in
     release) echo "$base g++ libgtest-dev liblmdb-dev pkg-config unicode-data" ;;
     asan | tsan) echo "$base g++ libgtest-dev liblmdb-dev" ;;
-    coverage) echo "$base g++ gcovr libgtest-dev liblmdb-dev" ;;
+    coverage) echo "$base g++ gcovr libgtest-dev liblmdb-dev pkg-config" ;;
     clang) echo "$base g++ clang libgtest-dev liblmdb-dev pkg-config" ;;
     fuzz) echo "$base g++ clang libclang-rt-dev libgtest-dev liblmdb-dev" ;;
     bench) echo "$base g++ libbenchmark-dev libicu-dev libfmt-dev liblmdb-dev libxxhash-dev libhowardhinnant-date-dev libsqlite3-dev" ;;
