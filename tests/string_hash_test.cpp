@@ -2,6 +2,7 @@
 #include "text/str_hash.h"
 
 #include "ktstring.h"
+#include "slow_hash.h"
 
 #include <gtest/gtest.h>
 
@@ -10,24 +11,7 @@
 
 namespace {
 
-// The hash of the collation keys of a Unicode text; every factor written out.
-unsigned long slowHash(const std::u16string& text, unsigned char language, std::size_t count) {
-  const unsigned char kind = KtUnicodeProps::CollationKind(language);
-  std::vector<unsigned long> keys;
-  for (const char16_t c : text) {
-    unsigned short orders[KtUnicodeProps::kMaxOrders];
-    const unsigned n = KtUnicodeProps::Orders(c, kind, orders);
-    for (unsigned i = 0; i < n; ++i) {
-      const unsigned long o = orders[i];
-      const bool letter = kind != 20 && o >= 0x4000 && o < 0x8000;
-      keys.push_back(kind * 16777216ul + (letter ? (o & 0x407F) * 256 + (o >> 7) % 128 : o * 256));
-    }
-  }
-  if (count != 0) keys.resize(count);
-  unsigned long long h = 0;
-  for (const unsigned long key : keys) h = (h * 9 + key) % 4294967296ull;
-  return static_cast<unsigned long>(h);
-}
+using kt_test::slowHash;
 
 std::string stored(const std::u16string& text, unsigned char codeSet) {
   std::string out;

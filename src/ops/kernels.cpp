@@ -22,7 +22,7 @@ inline Word read(const unsigned char* p) {
   return word;
 }
 
-// Four independent sums keep the loads busy; the compiler turns them into vectors.
+// 256 bytes of independent sums keep the loads busy; the compiler turns them into vectors.
 template <class Word>
 inline Word xorRun(const unsigned char* p, unsigned long count) {
   constexpr unsigned long kLanes = 256 / sizeof(Word);
@@ -139,8 +139,7 @@ inline std::uint64_t unequalBytes(const unsigned char* a, const unsigned char* b
 }
 #endif
 
-// The loops proper, once for plain x86-64 and once for wider vectors. Clones stay inside this file: their symbols differ
-// between compilers.
+// Of at least kBlockBytes: how many are found equal, by whole blocks; 0 where the first kMaskBytes are not.
 unsigned long equalBlocks(const unsigned char* a, const unsigned char* b, unsigned long bytes) {
   if (unequalBytes(a, b) != 0) return 0;
   unsigned long i = kMaskBytes - reinterpret_cast<std::uintptr_t>(a) % kMaskBytes;  // few loads cross a cache line
@@ -148,6 +147,8 @@ unsigned long equalBlocks(const unsigned char* a, const unsigned char* b, unsign
   return i;
 }
 
+// The loops proper, once for plain x86-64 and once for wider vectors. Clones stay inside this file: their symbols differ
+// between compilers.
 KT_CLONES std::uint8_t xor8Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint8_t>(p, n); }
 KT_CLONES std::uint16_t xor16Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint16_t>(p, n); }
 KT_CLONES std::uint32_t xor32Loop(const unsigned char* p, unsigned long n) { return xorRun<std::uint32_t>(p, n); }
@@ -228,7 +229,7 @@ KT_FOR_AVX2 inline __m256i xorBlock(const unsigned char* p) {
                           _mm256_xor_si256(block.bits[2], block.bits[3]));
 }
 
-// Which of kBlockBytes bytes are equal, in vectors.
+// Which of kComparedBytes bytes are equal, in vectors.
 constexpr unsigned long kVectors = 4, kComparedBytes = kVectors * sizeof(__m256i);
 
 struct ComparedBlock {
