@@ -237,7 +237,7 @@ inline KtString& KtString::operator+=(char ch) {
 // skipped. Returns 0, or -2005 at the end: item is unchanged then, but pos may have gone on.
 //   separator: found as by Find under the default operator; an empty one makes the rest of the list one item.
 //   item may be the list, which then is replaced. When memory is exhausted it may be empty, or not trimmed, and the result
-//   is 0 all the same.
+//   is 0 all the same; but -2005 where there was none to look for the separator.
 KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
 
 // Sums and relations of strings, also with texts and characters.

@@ -2,6 +2,7 @@
 #include "ktstring.h"
 
 #include "string_edit.h"
+#include "text/allocation_watch.h"
 #include "text/text_units.h"
 
 #include <algorithm>
@@ -73,11 +74,12 @@ int KtString::Find(unsigned short ch, unsigned short pos, unsigned short cmpOp) 
 }
 
 // What follows a replaced piece is searched unchanged: the result is put together piece by piece in a second string
-// instead of moving the tail for every match.
+// instead of moving the tail for every match. A search that lacked memory may have missed one.
 KtString& KtString::ReplaceAll(const KtString& from, const KtString& to, unsigned short pos) {
   const unsigned long length = Len();
   const unsigned long fromLength = from.Len();
   if (fromLength == 0) return *this;
+  const kt::AllocationWatch watch;
   KtString result(codeSet, language);
   unsigned long done = 0;
   int found = Find(from, pos);
@@ -88,7 +90,7 @@ KtString& KtString::ReplaceAll(const KtString& from, const KtString& to, unsigne
     done = std::min(at + fromLength, length);
     found = Find(from, static_cast<unsigned short>(done));
   }
-  if (appendPart(result, *this, done, length)) Destruct(result);
+  if (!watch.hasFailed() && appendPart(result, *this, done, length)) Destruct(result);
   return *this;
 }
 
@@ -101,10 +103,11 @@ KtString& KtString::ReplaceAll(unsigned short from, unsigned short to, unsigned 
 }
 
 int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos) {
+  const kt::AllocationWatch watch;
   int found = separator.IsEmpty() ? KtERR_NOT_FOUND : list.Find(separator, pos);
   while (found == 0) found = list.Find(separator, ++pos);
   const unsigned long length = list.Len();
-  if (pos >= length) return KtERR_END_OF_LIST;
+  if (pos >= length || watch.hasFailed()) return KtERR_END_OF_LIST;
   const unsigned long end = found < 0 ? length : static_cast<unsigned long>(found);
   KtString next = kt::slice(list, pos, end - pos);
   item = next.Trim();
