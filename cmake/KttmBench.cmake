@@ -3,7 +3,8 @@
 find_package(benchmark REQUIRED)
 
 # How costs grow with the run; needs no peers.
-add_executable(kttm_scaling "${PROJECT_SOURCE_DIR}/bench/scaling/scaling.cpp")
+file(GLOB scaling_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/scaling/*.cpp")
+add_executable(kttm_scaling ${scaling_sources})
 kttm_use_flags(kttm_scaling)
 target_link_libraries(kttm_scaling PRIVATE kttm::kttm)
 
