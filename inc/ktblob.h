@@ -31,7 +31,7 @@ struct BlobPrivate;
 //
 // Bytes given to an edit may lie in the blob itself, and a blob may be its own operand. Null bytes count as none; so
 // does a null blob as an operand, but = and Destroy make null of it. Edits return the blob. They leave a null blob
-// null, but for SetTo, Append of bytes, Expand and Resize.
+// null, but for SetTo, Expand, Resize, and Append of a byte or more, be they a blob's or not.
 class KTTM_API KtBlob {
 public:
   // --- make -----------------------------------------------------------------------------------------------------
@@ -66,7 +66,7 @@ public:
   // without a call of the memory handler.
   KtBlob& Resize(unsigned long size);
   KtBlob& Append(const void* bytes, long n);  // a null blob: as SetTo, unless n < 1
-  KtBlob& Append(const KtBlob& other);
+  KtBlob& Append(const KtBlob& other);        // the same with other's bytes
   KtBlob& operator+=(const KtBlob& other) { return Append(other); }
   // Overwrites bytes from offset on by the first n of other; n is cut to what this blob, and other, holds.
   KtBlob& CopyTo(const KtBlob& other, long offset, long n);

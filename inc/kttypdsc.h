@@ -68,10 +68,11 @@ constexpr int KtERR_OVERRUN = 2101;          // status: a run ended before `coun
 // Create and what builds on it make an array of no values, which Delete takes back; print and scan of other types than
 // char and KtByte look at the first value whatever the count is; a run of 0 blobs has a header of 4 bytes on disk; the
 // estimate of KtClassId is always 1. Disk runs may be unaligned. Null pointers to values are the caller's error where
-// count is not 0; but SizeGet of fixed sizes looks at none, and print and scan do nothing with one.
+// count is not 0; but SizeGet of fixed sizes looks at none, and print and scan do nothing with one, whatever count is,
+// except that char and KtByte print an empty text.
 // Lengths are in bytes; those of Compare and Hash are 0 where a run holds exactly count values.
-// format: low four bits 8 memory, 1 laid out like memory, 2 big-endian, 4 little-endian with two-byte int, other codes
-// little-endian. status: 0, or KtERR_OVERRUN.
+// format: a code of ktbs.h in the low four bits; which operations take 8 for values in memory, and which for one more
+// disk form: docs/formats/README.md. status: 0, or KtERR_OVERRUN.
 // Owner: arrays that an operation returns belong to the caller, who frees them by Delete with the same count. They, and
 // holders, are null when memory is exhausted.
 // Threads: any thread may call any operation; runs that an operation writes belong to one thread at a time.
@@ -105,6 +106,8 @@ using KtDefaultValueFunc = void* (*)(unsigned long count, int asNull);
 
 // One type. ConvertTo, ConvertFrom, SetNull, PrintToKtString and ScanFromKtString may be null: not offered. A type
 // supports null values exactly when SetNull is not null. All other operations are present in every row.
+// ConvertTo and ConvertFrom see unsigned numbers as signed ones: 4294967295 is "-1" and comes back, but texts above
+// 2147483647 give that (docs/decisions/numbers.md). Printing and scanning know all unsigned numbers.
 struct KtTypeDescriptor {
   const char* Name;                             // as listed in docs/types.md; compared byte for byte
   KtCreateFunc Create;                          // room for `count` values in memory form; null when memory is exhausted
@@ -117,7 +120,7 @@ struct KtTypeDescriptor {
   KtTypeCmpFunc Compare;                        // below 0, 0, above 0: of the first pair that differs
   KtEvalAndBoundFunc EvalAndBound;              // selectivity 0 to 1, and bounds of an index scan: kttypbnd.h
   KtHashFunc Hash;                              // 32 bits; equal values hash alike (docs/decisions: exceptions)
-  KtConvertToFunc ConvertTo;                    // one KtString a value; the caller owns the holder
+  KtConvertToFunc ConvertTo;                    // one KtString a value, see above; the caller owns the holder
   KtConvertFromFunc ConvertFrom;                // a new array, made by Create; missing strings count as null ones
   KtConstructorFunc Constructor;                // constructs in place
   KtDestructorFunc Destructor;                  // destroys in place

@@ -24,12 +24,12 @@ struct KtEvalData;
 //         functions, SetNullPrintString and DefaultTypeMgr change process-wide state: use those before concurrent use
 //         begins.
 //
-// Format codes are those of ktbs.h; 8 in the low four bits is memory form. Lengths are bytes; those of Cmp and Hash
-// are 0 where a run holds exactly count values.
+// Format codes are those of ktbs.h; docs/formats/README.md tells which operations take 8 for values in memory.
+// Lengths are bytes; those of Cmp and Hash are 0 where a run holds exactly count values.
 class KTTM_API KtTypeMgr {
 public:
   // version 12 and above: the current table, level 4; 11: the legacy table, level 3; 4 to 10: the current table, level
-  // as the version; below 4: the legacy table, level as the version.
+  // as the version; below 4: the legacy table, level as the version. No operation looks at the level.
   explicit KtTypeMgr(unsigned long version);
   void SetFactory(unsigned long version);
 
@@ -62,7 +62,9 @@ public:
   // Between memory and disk as Load and Store, with their results; between memory forms as assignment: the memory
   // bytes; between disk forms the bytes are copied as they are, at most dstLength, a larger target is filled up with
   // zeros, and the result is the bytes copied. dstLength and srcLength are the rooms in bytes; where a side is memory
-  // only strings and blobs look at them. A code with the bit of value 8 is memory, whatever its other bits.
+  // only strings and blobs look at them. A code with the bit of value 8 is memory, whatever its other bits. Strings go
+  // from disk to memory one a call, whose record lies within srcLength, and between disk forms of different codes only
+  // into index keys (0x80): all else, unless it is to load 0 strings, asserts and gives 0.
   unsigned long Translate(char id, void* dst, unsigned char dstFormat, unsigned long dstLength, void* src,
                           unsigned char srcFormat, unsigned long srcLength, unsigned long count) const;
 
@@ -71,25 +73,30 @@ public:
   long Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short options,
            unsigned long count, unsigned char format, int& status) const;
   // Selectivity, 0 to 1; without a range (null, or a side not set) 0, but for identities. flags (KtBOUND_...) may be
-  // masked in place, to 0x800F; a null result records no bounds. key is in disk form, for strings in any, and not null
-  // unless count is 0; of a run the first value counts. See kttypbnd.h.
+  // masked in place, to 0x800F; a null result records no bounds, and a bound that it holds already stays. key is what
+  // Store writes under format, for strings also a KtString (8) or an index key (0x80), and not null unless count is 0;
+  // of a run the first value counts. range, key and bounds share the byte order of format: see kttypbnd.h.
   float EvalAndBound(char id, KtIdxBounds* range, unsigned short& flags, void* key, unsigned char format,
                      unsigned long count, KtIdxBounds* result, KtEvalData* data) const;  // data is not used
   unsigned long Hash(char id, unsigned long length, void* values, unsigned long count, unsigned char format,
                      int& status) const;
 
   // --- text -----------------------------------------------------------------------------------------------------
-  KtTypeConvertData* ConvertTo(char id, void* values, unsigned long count);  // null where not offered
+  // Null where not offered. Unsigned numbers of the upper half convert as negative ones: see kttypdsc.h.
+  KtTypeConvertData* ConvertTo(char id, void* values, unsigned long count);
   // A new array. Makes this the holder's manager, so that from then on the holder owns data->data.
   void* ConvertFrom(char id, KtTypeConvertData* data, unsigned long count);
-  // A null format stands for the type's own. Strings, dates and times, seals, KtInt64 and KtNull_KtInt64 append to
-  // out, all others replace it, and so does every null; of a scalar 511 characters are kept. Runs of two and more are
-  // appended with "," between them (but for char and KtByte, which print as one text). values and format may lie in
-  // out. Without memory for all of a text out has no part of it. Where not offered: out unchanged.
+  // A null format stands for the type's own; docs/types.md has the directives. Strings, dates and times, seals,
+  // KtInt64 and KtNull_KtInt64 append to out, all others replace it, and so does every null; of a scalar 511 characters
+  // are kept. Runs of two and more are appended with "," between them (but for char and KtByte, which print as one
+  // text). A character that out's code set lacks becomes 0x1A; a new KtString has code set 1, so print Unicode texts
+  // into a KtString(253, 0). values and format may lie in out. Without memory for all of a text out has no part of it.
+  // Where not offered: out unchanged.
   KtString& PrintToKtString(char id, KtString& out, void* values, const char* format, unsigned long count) const;
-  // Sets the first value only, but of char and KtByte count ones. The null print string makes a value null. Text that
-  // does not match leaves a value, or its field, as it was; but it makes a KtInt64 or a seal -1, a boolean false, and
-  // fields of identities 0. Returns `values`, which may be null; where not offered, too.
+  // Sets the first value only, but of char and KtByte count ones. A text that begins with the null print string makes a
+  // value null; for KtString and KtBlob it must be the whole text. Text that does not match leaves a value, or its
+  // field, as it was; but it makes a KtInt64 or a seal -1, a boolean false, and fields of identities 0. Returns
+  // `values`, which may be null; where not offered, too.
   void* ScanFromKtString(char id, void* values, KtString& in, const char* format, unsigned long count) const;
   static const KtString& GetNullPrintString();  // "{NULL}" until set
   static void SetNullPrintString(const KtString& text);

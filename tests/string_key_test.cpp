@@ -360,4 +360,14 @@ TEST(StringTranslate, other_combinations_assert_and_give_nothing) {
   EXPECT_EQ(CaughtAssertions::last(), "\"format combination not supported\" && 0 src\\kttypes 1509");
 }
 
+TEST(StringTranslate, no_strings_from_disk_take_no_record) {
+  const CaughtAssertions caught;
+  KtString s("kept");
+  Block record(hex("00 06 01 02 61 62 00 FF"));
+  for (const unsigned long length : {0ul, 7ul, 8ul})
+    EXPECT_EQ(Ops::translate(&s, 8, 16, record.get(), 2, length, 0), 0u);
+  EXPECT_STREQ(s.StrGet(), "kept");
+  EXPECT_EQ(CaughtAssertions::count(), 0);
+}
+
 }  // namespace

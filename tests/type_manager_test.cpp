@@ -178,6 +178,22 @@ TEST(TypeManager, missing_arguments_get_the_quiet_answer) {
   EXPECT_EQ(KtTypeConvertData::Make(KT_ID_KtString, 0x80000000ul, nullptr, nullptr), nullptr);
 }
 
+TEST(TypeManager, null_for_values_prints_nothing_and_scans_into_nothing) {
+  for (const unsigned long version : {11ul, 12ul}) {
+    const KtTypeMgr mgr(version);
+    for (int number = 0; number < (version == 11 ? KtLEGACY_TYPE_COUNT : KtTYPE_COUNT); ++number) {
+      const auto id = static_cast<char>(number);
+      const bool isText = id == KT_ID_char || id == KT_ID_KtByte;  // made empty before the first character
+      for (unsigned long count : {0ul, 1ul, 3ul}) {
+        KtString out("kept"), in("12");
+        mgr.PrintToKtString(id, out, nullptr, nullptr, count);
+        EXPECT_STREQ(out.StrGet(), isText ? "" : "kept") << number << " " << count;
+        EXPECT_EQ(mgr.ScanFromKtString(id, nullptr, in, nullptr, count), nullptr) << number << " " << count;
+      }
+    }
+  }
+}
+
 TEST(TypeManager, the_null_print_string_is_process_wide) {
   EXPECT_STREQ(KtTypeMgr::GetNullPrintString().StrGet(), "{NULL}");
   KtTypeMgr::SetNullPrintString("nil");

@@ -31,9 +31,12 @@ using BlockId = std::uint32_t;
 // Typed disk conversion.
 //
 // Format code, low four bits (the others are ignored here):
-//   8  memory form            1  laid out like memory
-//   2  big-endian             4  little-endian, `int` and `unsigned` in two bytes
-//   every other code: little-endian
+//   0  little-endian          4  little-endian, `int` and `unsigned` in two bytes
+//   2  big-endian             1, 8  the byte order of the host
+// These are all; other codes are not to be used. Here they act as 0, but to kttm 9 to 15 are now a disk form, now
+// values in memory. Types of kttm that do not follow the host under 1 and 8 say so on their page in docs/formats; which
+// operations take 8 for values in memory stands in docs/formats/README.md.
+//
 // An `int` or `unsigned` takes 4 bytes in every code but 4, where it takes 2: stored modulo 65,536, loaded
 // sign-extended by IntLoad and zero-extended by UnsignedLoad.
 //

@@ -69,8 +69,8 @@ KtString& KtTypeMgr::PrintToKtString(char id, KtString& out, void* values, const
   if (print == nullptr) return out;
   format = kt::formatOr(format, row.Format);
   // Characters print as one text, also where one of their rows has got another function. The illegal row prints nothing
-  // at all, so no commas either.
-  const bool asOneText = count < 2 || print == kt::printChars || row.MemLen == 0;
+  // at all, so no commas either. Null has no elements to go through: the row knows what to do with it.
+  const bool asOneText = count < 2 || print == kt::printChars || row.MemLen == 0 || values == nullptr;
   return asOneText ? print(out, values, format, count) : appendList(*this, id, print, out, values, format, count);
 }
 

@@ -120,7 +120,8 @@ template <class Kind>
   const Target target{static_cast<unsigned char*>(dst), dstLength};
   if (forms.toKeys()) return toKeys<Kind>(target, forms, src, srcLength, count);
   if (forms.stores()) return store<Kind>(target, forms, src, count);
-  if (forms.loads() && count < 2 && isHeld(src, srcLength, srcFormat)) return StringLoad(dst, src, srcFormat, count);
+  if (forms.loads() && count == 0) return 0;
+  if (forms.loads() && count == 1 && isHeld(src, srcLength, srcFormat)) return StringLoad(dst, src, srcFormat, count);
   if (dstFormat != srcFormat) return unsupported();
   if (!forms.fromMemory()) return copyDiskForm(dst, dstLength, src, srcLength);
   assignStrings(static_cast<KtString*>(dst), static_cast<const KtString*>(src), count);
