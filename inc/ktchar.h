@@ -13,8 +13,13 @@
 //         code set 255 and language 255.
 // Order:  == compares the characters that the codes stand for, so that the same letter of two code sets is equal.
 // Size:   4 bytes.
+// Disk:   none: lives in memory only. What is stored are the texts of strings.
+// Text:   has no printed form. KtString::operator[] gives the characters of a text.
+// Status: nothing here fails: a character that a code set lacks becomes 0x1A there.
+// Owner:  a plain value. Construction copies; assignment maps into the code set that is there.
+// Threads: pure, but for what reads the defaults of the language context (ktin.h).
+//
 // Code sets 0 and 255 stand for the native and the default 8-bit set where a real one is needed.
-// Threads: pure.
 class KTTM_API KtChar {
 public:
   unsigned short code;

@@ -20,7 +20,7 @@ class KtString;
 // Disk:   docs/formats/identities.md: 4 bytes: class number, version (2 each), big-endian under code 2, little-endian
 //         under every other.
 // Text:   "(%Cv%V)"; see ScanFromKtString. Null prints as the null print string.
-// Status: scanning cannot fail: what a text does not give is 0.
+// Status: as KtObjId (ktobjid.h).
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 class KTTM_API KtClassId {

@@ -20,7 +20,8 @@ class KtString;
 // Disk:   docs/formats/identities.md: 10 bytes: block, low (4 each), high (2), big-endian under code 2, little-endian
 //         under every other.
 // Text:   "(%H-%L#%B)"; see ScanFromKtString. Null prints as the null print string.
-// Status: scanning cannot fail: what a text does not give stays 0.
+// Status: scanning cannot fail: what a text does not give is 0. Where memory runs out a value that is scanned
+//         stays; ktstring.h tells what becomes of a string.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 class KTTM_API KtObjId {
@@ -94,6 +95,7 @@ public:
 // Size:   12 bytes.
 // Disk:   none: lives in memory only.
 // Text:   that of its KtObjId. The database number is not printed, and 0 after a scan.
+// Status: as KtObjId.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 class KTTM_API KtDBOId {

@@ -19,7 +19,7 @@ class KtLocalRef;
 // Disk:   docs/formats/identities.md: 14 bytes: block, low (4 each), high, database, class number (2 each),
 //         big-endian under code 2, little-endian under every other. The version is not stored: it is 0 after a load.
 // Text:   "(%D:%H-%L#%B, %C)"; see ScanFromKtString. Null prints as the null print string.
-// Status: scanning cannot fail: what a text does not give is 0.
+// Status: as KtObjId.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 class KTTM_API KtRef {
@@ -97,6 +97,7 @@ public:
 // Size:   16 bytes.
 // Disk:   none: lives in memory only.
 // Text:   that of the KtRef with database 0, by default "(%H-%L#%B,%C)". A database number in a text is dropped.
+// Status: as KtObjId.
 // Owner:  a plain value, trivially copyable.
 // Threads: pure.
 class KTTM_API KtLocalRef {

@@ -8,8 +8,11 @@
 
 class KtTypeMgr;
 
+// KtTypeConvertData: an array of texts on its way from or to values.
+//
 // Range:  count of 0 to 2,147,483,647; the type id is 11 (KtString) in every use of this library, 100 after release.
 // Null:   data may be null: a holder of nothing.
+// Status: null, or a holder of nothing, is what cannot be made or is not there.
 // Owner:  the holder owns data exactly when typeManager is set: its destructor then deletes data through that manager.
 //         A holder without manager does not free data.
 // Threads: a holder belongs to one thread.

@@ -78,7 +78,13 @@ KTBS_API unsigned long DoubleNullSizeGet(unsigned long count);
 KTBS_API unsigned long IntNullSizeGet(unsigned long count);
 
 // ---------------------------------------------------------------------------------------------------------
-// MemFile: a read cursor over bytes that it does not own. The bytes must outlive it. Belongs to one thread at a time.
+// MemFile: a read cursor over bytes that it does not own.
+//
+// Range:  positions 0 to length, in bytes.
+// Null:   without bytes the length counts as 0, and Seek answers null.
+// Status: Seek answers null for what is outside, and the position stays.
+// Owner:  the bytes must outlive it.
+// Threads: belongs to one thread at a time.
 // ---------------------------------------------------------------------------------------------------------
 class KTBS_API MemFile {
 public:
@@ -87,8 +93,7 @@ public:
   MemFile(const void* bytes, unsigned long length);
 
   // Moves to `offset` relative to the beginning, the current position or the end, and returns the address there.
-  // Positions 0 to length are inside. Outside, or for any other whence: null, and the position stays.
-  // Null: without bytes the length counts as 0 and every answer is null.
+  // Outside, or for any other whence: null, and the position stays.
   const char* Seek(long offset, int whence);
 
   unsigned long Tell() const;       // bytes from the beginning to the position
@@ -123,7 +128,14 @@ using KtMemoryHandler = void (*)(unsigned long size);
 KTBS_API KtMemoryHandler KtSetMemoryHandler(KtMemoryHandler handler);
 
 // ---------------------------------------------------------------------------------------------------------
-// Configuration: 16-bit settings by key and qualifier. Threads may read one concurrently while none sets.
+// KtConfig: 16-bit settings by key and qualifier.
+//
+// Range:  every value; keys and qualifiers are equal byte by byte.
+// Null:   a null qualifier is a qualifier of its own; a null key is never set.
+// Status: the caller's fallback answers for what is not set. A failed allocation calls the memory handler and leaves the
+//         configuration unchanged.
+// Owner:  the configuration copies keys and qualifiers.
+// Threads: may read one concurrently while none sets.
 // ---------------------------------------------------------------------------------------------------------
 class KTBS_API KtConfig {
 public:
@@ -132,11 +144,9 @@ public:
   KtConfig(const KtConfig&) = delete;
   KtConfig& operator=(const KtConfig&) = delete;
 
-  // The value set for exactly this key and qualifier, else `fallback`. A null qualifier is a qualifier of its own; a
-  // null key is never set.
+  // The value set for exactly this key and qualifier, else `fallback`.
   short GetShort(const char* key, const char* qualifier, short fallback) const;
-  // Sets or replaces. A failed allocation calls the memory handler and leaves the configuration unchanged.
-  void SetShort(const char* key, const char* qualifier, short value);
+  void SetShort(const char* key, const char* qualifier, short value);  // sets or replaces
 
 private:
   struct Entry;
@@ -163,17 +173,20 @@ struct KtTimeRecord {
   signed char hour, minute, second;
 };
 
-// A source of time. The process uses the system's clock unless KtSetClock replaced it.
+// KtClock: a source of time. The process uses the system's clock unless KtSetClock replaced it.
+//
+// Range:  offsets -1440 to 1440. kttm takes other numbers for not known, too, where it converts between time zones.
+// Status: -2171 for an offset that is not known; local time is UTC then.
+// Owner:  who sets a clock keeps it, for as long as it is in use.
+// Threads: whichever asks for the time calls the clock in use.
 class KTBS_API KtClock {
 public:
   virtual ~KtClock();
   virtual long long UtcMilliseconds() = 0;  // since 1970-01-01 00:00:00 UTC
-  // To add to UTC for local time, -1440 to 1440; -2171: not known (local is UTC then). kttm takes other numbers for not
-  // known, too, where it converts between time zones.
-  virtual int OffsetMinutes() = 0;
+  virtual int OffsetMinutes() = 0;          // to add to UTC for local time
 };
 
-// Null restores the system's clock. Returns the clock that was set (null: the system's). The caller keeps ownership.
+// Null restores the system's clock. Returns the clock that was set (null: the system's).
 KTBS_API KtClock* KtSetClock(KtClock* clock);
 
 // A year outside 16 bits is cut to them.

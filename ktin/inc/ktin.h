@@ -1,7 +1,4 @@
 // ktin.h - internationalisation: code sets, case, languages, collation kinds and collation orders.
-//
-// Threads: KtCodeSet and KtUnicodeProps are pure; their tables are built once, safely from any thread. The values of
-// KtLanguageContext are process-wide and unguarded: set them before concurrent use begins.
 #ifndef KTIN_H
 #define KTIN_H
 
@@ -20,9 +17,12 @@
 // Attaches (non-zero) or detaches (0) the library; returns 1. Nothing needs it: tables are built on first use.
 KTIN_API int ___KtI18NContext(int attach);
 
-// Process-wide defaults. Each value is independent of the others; at load as given in brackets. The setters take every
-// value: codes without a meaning count as KtCodeSet and KtUnicodeProps say. Strings take a default 8-bit set of 16-bit
-// units as 1, and a default 16-bit set of 8-bit characters as 253.
+// KtLanguageContext: process-wide defaults, each independent of the others; at load as given in brackets.
+//
+// Range:  the setters take every value: codes without a meaning count as KtCodeSet and KtUnicodeProps say. Strings take
+//         a default 8-bit set of 16-bit units as 1, and a default 16-bit set of 8-bit characters as 253.
+// Status: nothing here fails.
+// Threads: unguarded: set them before concurrent use begins.
 class KTIN_API KtLanguageContext {
 public:
   static unsigned char GetDefaultCodeSet() { return codeSet_; }      // [1] of an empty KtString
@@ -44,9 +44,17 @@ private:
   static unsigned short cmpOp_;
 };
 
-// One code set, by code: 1 ISO 8859-1, 2 ISO 8859-2, 3 ISO 8859-5, 4 ISO 8859-7, 5 ISO 8859-15, 10 Windows-1252,
-// 11 Windows-1250, 12 Windows-1251, 253 Unicode in 16-bit units. Code 0 is the native set of the language context,
-// every other code below 225 is like 1, from 225 on like 253.
+// KtCodeSet: which character a number stands for in a text, and its case.
+//
+// Range:  1 ISO 8859-1, 2 ISO 8859-2, 3 ISO 8859-5, 4 ISO 8859-7, 5 ISO 8859-15, 10 Windows-1252, 11 Windows-1250,
+//         12 Windows-1251, 253 Unicode in 16-bit units. Code 0 is the native set of the language context, every other
+//         code below 225 is like 1, from 225 on like 253.
+// Order:  Orders, under a collation kind.
+// Size:   characters of one byte below code 225, else of two.
+// Disk:   docs/formats/strings.md: stored texts carry the code.
+// Status: nothing here fails: a character that the set lacks becomes kSubstitute.
+// Owner:  sets and tables live as long as the process.
+// Threads: pure; tables are built once, safely from any thread. Code 0 reads the language context.
 class KTIN_API KtCodeSet {
 public:
   static constexpr unsigned short kSubstitute = 0x1A;  // what a character becomes that the target set lacks
@@ -90,8 +98,15 @@ private:
   const unsigned char* toUpper_ = nullptr;
 };
 
-// Collation of Unicode characters. A kind is a promise to stored indexes: its orders never change; a changed order
-// takes a new kind number. docs/collation.md has the kinds and what an order is made of.
+// KtUnicodeProps: collation and case of Unicode characters.
+//
+// Range:  characters of 16 bits; languages and kinds of every number, as told below.
+// Null:   character 0 has no order.
+// Order:  docs/collation.md has the kinds and what an order is made of.
+// Disk:   a kind is a promise to stored indexes: its orders never change; a changed order takes a new kind number.
+// Status: nothing here fails.
+// Owner:  the pages live as long as the process.
+// Threads: pure; the pages are built once, safely from any thread.
 class KTIN_API KtUnicodeProps {
 public:
   static constexpr unsigned char kIdeographicKind = 20;  // kinds from here on order by Unicode code
