@@ -53,6 +53,13 @@ if [ "${3-}" = show ]; then cat "$dir/explained"; else
   diff -u "$here/query.expected" "$dir/explained" || fail 'the explained queries'
 fi
 
+# The project's README shows what atlas prints.
+readme=$here/../../../README.md
+sed -n '/^\$ atlas /,/^```/{/^\$ /d;/^```/d;p;}' "$readme" >"$dir/shown"
+eval "$(sed -n 's/^\$ atlas /"$atlas" /p' "$readme")" >"$dir/answers" 2>&1
+[ -s "$dir/shown" ] || fail 'README.md shows nothing of atlas'
+diff -u "$dir/shown" "$dir/answers" || fail 'README.md shows something else than atlas prints'
+
 expect 0 'mean error' "$atlas" plot --predicates 60 --svg "$dir/plot.svg"
 cp "$dir/out" "$dir/plot"
 [ "$(grep -c '<title>' "$dir/plot.svg")" -eq 120 ] || fail 'plot: not every predicate stands in both panels'
