@@ -375,7 +375,8 @@ TEST(StringEdit, find_honours_position_and_wildcards) {
                {"abc", "b?", 0, 0x10, -1},    {"abc", "b?", 0, 0, 1},        {"abc", "a*c", 0, 0, 0},
                {"abc", "abcd", 0, 0, -1},     {"abc", "c", 4, 0x10, -1},     {"ABC", "b", 0, 0x30, 1},
                {"", "a", 0, 0x10, -1},        {"a", "", 0, 0x10, -1},        {"abc", "b", 0, 0x110, 1},
-               {"abc", "b", 0, 0x100, -1},    {"ab*", "b", 0, 0x100, 1}};
+               {"abc", "b", 0, 0x100, -1},    {"ab*", "b", 0, 0x100, 1},     {"ba", "*a", 0, 0, 0},
+               {"a", "*a", 0, 0, -1}};
   for (const auto& c : cases) {
     EXPECT_EQ(KtString(c.text).Find(KtString(c.pattern), c.pos, c.cmpOp), c.found) << c.text << ' ' << c.pattern;
   }

@@ -84,6 +84,18 @@ TEST(StringHash, special_texts) {
   EXPECT_EQ(HashString(255, 0, text, -1, 1), HashString(KtLanguageContext::GetDefault8CodeSet(), 0, text, -1, 1));
 }
 
+// Beside another code set it is compared as the native one, whose characters they are here.
+TEST(StringHash, code_set_0_hashes_by_its_bytes_and_apart_from_its_equals_in_others) {
+  char text[] = "a\xE9";
+  for (const unsigned short op : {KtCMP_NO_WILDCARDS, KtCMP_BINARY})
+    EXPECT_EQ(KtStrCmp(0, 1, text, 1, 1, text, op, -1), 0);
+  EXPECT_EQ(HashString(0, 1, text, -1, 255), 0x61ul * 9 + 0xE9);
+  EXPECT_EQ(HashString(1, 1, text, -1, 255), slowHash(u"a\u00E9", 1, 0));
+  EXPECT_NE(HashString(1, 1, text, -1, 255), HashString(0, 1, text, -1, 255));
+  for (const unsigned char language : kLanguages)  // no language has rules for mere bytes
+    EXPECT_EQ(HashString(0, language, text, -1, 255), HashString(0, 1, text, -1, 255));
+}
+
 TEST(StringHash, of_string_objects_takes_stored_characters) {
   KtString s("\xE9");
   EXPECT_EQ(HashKtString(s), 0xFFFFFFE9ul);
