@@ -9,6 +9,19 @@
 #include <cstring>
 #include <type_traits>
 
+class KtString;
+
+// What stands for the string that its constructor makes.
+template <class Text>
+concept KtTextOperand = std::is_same_v<Text, char> || std::is_same_v<Text, unsigned short> ||
+    std::is_same_v<Text, char*> || std::is_same_v<Text, const char*> || std::is_same_v<Text, unsigned short*> ||
+    std::is_same_v<Text, const unsigned short*>;
+
+namespace kt {
+template <KtTextOperand Text>
+bool isMade(const KtString& made, Text from);
+}
+
 // Result codes of string operations.
 constexpr int KtERR_NOT_FOUND = -1;
 constexpr int KtERR_BAD_CODESET = -2002;
@@ -174,6 +187,12 @@ public:
   // Replaces what Find, under the default operator, finds from pos on, as many characters as `from` has; what was put in
   // is not searched again. Nothing when `from` is empty or pos > Len().
   KtString& ReplaceAll(const KtString& from, const KtString& to, unsigned short pos = 0);
+  template <KtTextOperand Text>
+  KtString& ReplaceAll(const KtString& from, Text to, unsigned short pos = 0)  // nothing without memory for `to`
+  {
+    const KtString made(to);
+    return kt::isMade(made, to) ? ReplaceAll(from, made, pos) : *this;
+  }
   KtString& ReplaceAll(char from, char to, unsigned short pos = 0);
   KtString& ReplaceAll(unsigned short from, unsigned short to, unsigned short pos = 0);
   // Parts, in this code set and language: empty when pos >= Len(); n is clipped to what is there.
@@ -239,6 +258,25 @@ inline KtString& KtString::operator+=(char ch) {
 //   item may be the list, which then is replaced. When memory is exhausted it may be empty, or not trimmed, and the result
 //   is 0 all the same; but -2005 where there was none to look for the separator.
 KTTM_API int KtSplitList(KtString& list, KtString& item, const KtString& separator, unsigned short& pos);
+template <KtTextOperand Text>
+int KtSplitList(KtString& list, KtString& item, Text separator, unsigned short& pos) {
+  const KtString made(separator);
+  return kt::isMade(made, separator) ? KtSplitList(list, item, made, pos) : KtERR_END_OF_LIST;
+}
+
+// Whether there was memory for the string that was made of a text or character: one without characters, though they have
+// some, was clipped to none, or could not be made.
+template <KtTextOperand Text>
+bool kt::isMade(const KtString& made, Text from) {
+  if (made.buffer != nullptr) return true;
+  if constexpr (std::is_pointer_v<Text>) {
+    unsigned long bytes = 0;
+    while (from != nullptr && from[bytes / sizeof *from] != 0) bytes += sizeof *from;
+    return bytes == 0 || bytes + sizeof *from > 65533;
+  } else {
+    return from == 0;
+  }
+}
 
 // Sums and relations of strings, also with texts and characters.
 #include "ktstrops.h"

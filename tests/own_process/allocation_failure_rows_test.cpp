@@ -91,7 +91,8 @@ struct Scene {
     KtString* all = mgr.ConvertToKtStringOld(source.get(), row.id, count);
     joined = *all;
     mgr.Delete(KT_ID_KtString, all, 1);
-    for (const int length : {16, 20, 25, 30, 40}) filled.emplace_back().Fill(static_cast<unsigned short>(length), 'f');
+    for (const int length : {16, 20, 25, 30, 40})
+      filled.emplace_back().Fill(static_cast<unsigned short>(length), 'f').Replace("%d%S%L%Y", 0);
     filled.back().SetCodeSet(253);
     raw.resize((count * mgr.MemLenGet(row.id, 1) + sizeof(double) - 1) / sizeof(double));
   }
@@ -248,6 +249,10 @@ constexpr Operation kOperations[] = {
     {"PrintToKtString behind a text", kValues,
      [](Scene& s) {
        for (KtString& text : s.filled) s.mgr.PrintToKtString(s.row.id, text, s.source.get(), nullptr, 1);
+     }},
+    {"PrintToKtString by a format in the text", kValues,
+     [](Scene& s) {
+       for (KtString& text : s.filled) s.mgr.PrintToKtString(s.row.id, text, s.source.get(), text.StrGet(), 1);
      }},
     {"PrintToKtString of a run", kWhole,
      [](Scene& s) { s.mgr.PrintToKtString(s.row.id, s.out, s.source.get(), nullptr, s.count); }},

@@ -133,6 +133,9 @@ const StringEdit kEdits[] = {
     {"ToUpper", kOldOrNew, [](Subject& x) { x.s.ToUpper(); }},
     {"ToLower", kOldOrNew, [](Subject& x) { x.s.ToLower(); }},
     {"ReplaceAll", kOldOrNew, [](Subject& x) { x.s.ReplaceAll("a", x.other); }},
+    {"ReplaceAll by text", kOldOrNew, [](Subject& x) { x.s.ReplaceAll(x.comma, "text"); }},
+    {"ReplaceAll by wide text", kOldOrNew,
+     [](Subject& x) { x.s.ReplaceAll("a", reinterpret_cast<const unsigned short*>(u"text")); }},
     {"ReplaceAll under wildcards", kOldOrNew,
      [](Subject& x) {
        const DefaultWildcards wildcards;
@@ -177,6 +180,12 @@ const StringEdit kEdits[] = {
      [](Subject& x) {
        unsigned short pos = 0;
        x.answer = KtSplitList(x.other, x.s, x.comma, pos);
+     },
+     KtERR_END_OF_LIST, itemInPart},
+    {"KtSplitList by text", kOldOrNew,
+     [](Subject& x) {
+       unsigned short pos = 0;
+       x.answer = KtSplitList(x.other, x.s, ",", pos);
      },
      KtERR_END_OF_LIST, itemInPart},
     {"KtSplitList under wildcards", kOldOrNew,

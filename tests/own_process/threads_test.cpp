@@ -1,5 +1,6 @@
-// What may run in any thread at any time does: threads start at once in a process in which nothing has been built yet,
-// go through all rows and texts, and must get what one thread alone gets afterwards.
+// What may run in any thread at any time does: threads meet in a process in which nothing has been built yet, use for the
+// first time what is built then, go through all rows and texts again and again, each time in another order, and must get
+// what one thread alone gets afterwards.
 #include "laws/values.h"
 #include "string_bytes.h"
 
@@ -10,9 +11,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <barrier>
+#include <cstdlib>
 #include <functional>
-#include <latch>
+#include <numeric>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,6 +26,12 @@ namespace {
 using namespace kt_laws;
 
 constexpr unsigned kThreads = 8;
+// How often everything is done: about a second's worth, or some ten where accesses to memory are watched.
+#if defined(__SANITIZE_THREAD__)
+constexpr unsigned kRowRounds = 8, kTextRounds = 3;
+#else
+constexpr unsigned kRowRounds = 24, kTextRounds = 16;
+#endif
 constexpr unsigned char kMemory = 8;
 constexpr unsigned char kForms[] = {kMemory, 0, 1, 2, 4};
 
@@ -223,49 +233,146 @@ Transcript throughNumberFormats() {
   return seen;
 }
 
+// --- first uses -------------------------------------------------------------------------------------------------------
+
+KtString shortTextIn(unsigned char codeSet, unsigned char language, const char* text) {
+  KtString s(codeSet, language);
+  return s += text;
+}
+
+// Orders of a code set and language, and their tables.
+Transcript comparing(unsigned char codeSet, unsigned char language) {
+  const KtString a = shortTextIn(codeSet, language, "Zebra"), b = shortTextIn(codeSet, language, "apple");
+  Transcript seen;
+  note(seen, a.Compare(b, -1, KtCMP_NO_WILDCARDS));
+  note(seen, HashString(codeSet, language, a.buffer, -1, 255));
+  return seen;
+}
+
+Transcript mapping(unsigned char from, unsigned char to) {
+  KtString s = shortTextIn(from, 1, "mapped");
+  s += static_cast<unsigned short>(0xE4);
+  Transcript seen;
+  note(seen, s.MapToCodeSet(to));
+  note(seen, s);
+  return seen;
+}
+
+Transcript matching(unsigned char codeSet, unsigned char language) {
+  const KtString text = shortTextIn(codeSet, language, "a*b"), pattern = shortTextIn(codeSet, language, "?\\**");
+  Transcript seen;
+  note(seen, text.Compare(pattern, -1, 0));
+  return seen;
+}
+
+// The texts that stand for null and nothing, the configuration, the order that keys are made by, the zone of the clock.
+Transcript standing() {
+  Transcript seen;
+  note(seen, KtTypeMgr::GetNullPrintString());
+  note(seen, KtString::EmptyString());
+  note(seen, DefaultConfig()->GetShort("no such key", nullptr, 7));
+  KtTypeMgr mgr(12);
+  KtString text = shortTextIn(253, 1, "a key");
+  char key[KtINDEX_MAX_KEYLEN] = {};
+  note(seen, mgr.Translate(KT_ID_KtString, key, 0x82, sizeof key, &text, kMemory, 0, 1));
+  seen.append(key, sizeof key);
+  std::int32_t number = 5;
+  note(seen, mgr.SetNullValue(KT_ID_long, &number));
+  note(seen, number);
+  note(seen, KtDate().IsDate());
+  note(seen, bksgettimezone());
+  return seen;
+}
+
+Works firstUses() {
+  Works works;
+  works.push_back({"standing", standing});
+  for (const unsigned char language : kLanguages) {
+    for (const unsigned char codeSet : kCodeSets) {
+      const std::string name = std::to_string(codeSet) + "_" + std::to_string(language);
+      works.push_back({"matching_" + name, [=] { return matching(codeSet, language); }});
+      works.push_back({"comparing_" + name, [=] { return comparing(codeSet, language); }});
+    }
+  }
+  for (const unsigned char from : kCodeSets) {
+    for (const unsigned char to : kCodeSets) {
+      const std::string name = "mapping_" + std::to_string(from) + "_" + std::to_string(to);
+      works.push_back({name, [=] { return mapping(from, to); }});
+    }
+  }
+  return works;
+}
+
 // --- threads ----------------------------------------------------------------------------------------------------------
 
-Works allWorks() {
+Works rowWorks() {
   Works works;
   for (const Row& row : rows()) works.push_back({row.stem, [&row] { return throughRow(row); }});
-  for (const unsigned char language : kLanguages)
+  return works;
+}
+
+Works textWorks() {
+  Works works;
+  for (const unsigned char language : kt_test::Codes{0, 1, 4, 5, 6, 20, 99})  // one of each kind
     works.push_back({"texts_" + std::to_string(language), [language] { return throughTexts(language); }});
   works.push_back({"orders", throughOrders});
   works.push_back({"number_formats", throughNumberFormats});
   return works;
 }
 
-// Every second thread begins elsewhere, so that some meet in the same piece of work and others mix all of them.
-std::vector<Transcript> transcribe(const Works& works, unsigned thread) {
-  const std::size_t first = thread % 2 == 0 ? 0 : thread * works.size() / kThreads;
-  std::vector<Transcript> seen(works.size());
-  for (std::size_t i = 0; i < works.size(); ++i) {
-    const std::size_t place = (first + i) % works.size();
-    seen[place] = works[place].run();
-  }
-  return seen;
-}
+using Transcripts = std::vector<std::vector<Transcript>>;  // by thread and work
 
-void expectAlikeInAllThreads(const Works& works) {
-  std::vector<std::vector<Transcript>> seen(kThreads);
-  std::latch start(kThreads);
+// Runs all threads at once; then one alone, which must see what each of them has seen.
+void expectAlikeInAllThreads(const Works& works, const std::function<void(unsigned thread, Transcripts& seen)>& run) {
+  Transcripts seen(kThreads, std::vector<Transcript>(works.size()));
   std::vector<std::thread> threads;
-  for (unsigned i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&, i] {
-      start.arrive_and_wait();
-      seen[i] = transcribe(works, i);
-    });
-  }
+  for (unsigned i = 0; i < kThreads; ++i) threads.emplace_back([&, i] { run(i, seen); });
   for (std::thread& thread : threads) thread.join();
-  const std::vector<Transcript> alone = transcribe(works, 0);
-  for (unsigned i = 0; i < kThreads; ++i) {
-    for (std::size_t w = 0; w < works.size(); ++w)
-      EXPECT_TRUE(seen[i][w] == alone[w]) << works[w].name << " in thread " << i;
+  for (std::size_t w = 0; w < works.size(); ++w) {
+    const Transcript alone = works[w].run();
+    for (unsigned i = 0; i < kThreads; ++i) EXPECT_TRUE(seen[i][w] == alone) << works[w].name << " in thread " << i;
   }
 }
 
-// The first test of its process: what is built on first use is built by threads that race for it.
-TEST(Threads, a_first_use_by_many_threads_gives_what_one_thread_gets) { expectAlikeInAllThreads(allWorks()); }
+// Two threads each take the same way, so that they meet in the same piece of work; the others mix all of them.
+std::vector<std::size_t> wayThrough(const Works& works, unsigned thread, unsigned round) {
+  std::vector<std::size_t> way(works.size());
+  std::iota(way.begin(), way.end(), 0u);
+  std::shuffle(way.begin(), way.end(), std::mt19937(round * kThreads + thread / 2));
+  return way;
+}
+
+void expectAlikeInAllRounds(const Works& works, unsigned rounds) {
+  std::barrier meeting(kThreads);
+  expectAlikeInAllThreads(works, [&](unsigned thread, Transcripts& seen) {
+    for (unsigned round = 0; round < rounds; ++round) {
+      meeting.arrive_and_wait();
+      for (const std::size_t w : wayThrough(works, thread, round)) {
+        const Transcript now = works[w].run();
+        Transcript& first = seen[thread][w];
+        if (round == 0) first = now;
+        if (now != first) first = "changed in round " + std::to_string(round);
+      }
+    }
+  });
+}
+
+// The first test of its process: what is built on first use is built by threads that race for it, all in the same place.
+TEST(Threads, a_first_use_by_many_threads_gives_what_one_thread_gets) {
+  const Works works = firstUses();
+  std::barrier meeting(kThreads);
+  expectAlikeInAllThreads(works, [&](unsigned thread, Transcripts& seen) {
+    for (std::size_t w = 0; w < works.size(); ++w) {
+      meeting.arrive_and_wait();
+      seen[thread][w] = works[w].run();
+    }
+  });
+}
+
+// In a process of its own the first round builds what is built on first use, here in all places at once.
+TEST(Threads, rows_are_worked_on_by_many_threads) { expectAlikeInAllRounds(rowWorks(), kRowRounds); }
+
+TEST(Threads, texts_are_worked_on_by_many_threads) { expectAlikeInAllRounds(textWorks(), kTextRounds); }
 
 TEST(Threads, shared_values_are_read_by_many_threads) {
   std::vector<Values> runs;
@@ -273,7 +380,7 @@ TEST(Threads, shared_values_are_read_by_many_threads) {
   for (const Row& row : rows()) runs.push_back(makeRun(row, row.samples.size()));
   for (std::size_t i = 0; i < rows().size(); ++i)
     works.push_back({rows()[i].stem, [i, &runs] { return throughRun(rows()[i], runs[i]); }});
-  expectAlikeInAllThreads(works);
+  expectAlikeInAllRounds(works, kRowRounds);
 }
 
 }  // namespace
