@@ -29,11 +29,13 @@ void keep(const T& value) {
 std::string rowName(const std::string& job, const std::string& contestant, long size);
 
 // A job is named `job/contestant[/size]`; scripts/bench_table.py sets the contestant "kttm" against each other one, but for
-// "floor": the least that any contestant would have to do, a limit instead of a peer.
+// "floor": the least that any contestant would have to do, a limit instead of a peer; its results may be less than asked.
 //
 // Data is made when the first row of the job runs, outside the clock; the contestants share it, so that caches and
-// alignment are alike. Every contestant works through one batch a call. Before the first row is timed, the check runs
-// each contestant once and answers whether they agree; a job whose contestants disagree reports an error instead of times.
+// alignment are alike. Every contestant works through one batch a call. Before the first row is timed, the check answers
+// whether kttm's results are right, and whether peers that answer the same question get the same; peers that compute
+// something else (another hash, another kind of estimate, a copy) are held to what both promise. A job whose check fails
+// reports an error instead of times.
 template <class Data>
 class Job {
 public:
@@ -56,14 +58,14 @@ private:
     std::function<std::unique_ptr<Data>()> make;
     bool (*check)(Data&);
     std::unique_ptr<Data> data;
-    bool agreed = false;
+    bool passed = false;
 
     Data* ready() {
       if (!data) {
         data = make();
-        agreed = check(*data);
+        passed = check(*data);
       }
-      return agreed ? data.get() : nullptr;
+      return passed ? data.get() : nullptr;
     }
   };
 
@@ -72,7 +74,7 @@ private:
     return [shared = shared_, run, items = items_, bytes = bytes_](benchmark::State& state) {
       Data* data = shared->ready();
       if (data == nullptr) {
-        state.SkipWithError("the contestants disagree");
+        state.SkipWithError("a result is wrong, or the contestants disagree");
         return;
       }
       for (auto _ : state) {

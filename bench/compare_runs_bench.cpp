@@ -94,8 +94,8 @@ T fromBigEndian(T value) {
   }
 }
 
-// kttm's results add up to those of a value-by-value comparison. (memcmp orders bytes, and the std::mismatch of disk
-// values orders them as memory: both are told to find the difference, not to judge it.)
+// kttm's results add up to those of a value-by-value comparison, and those of std::mismatch where values are in memory. In
+// runs on disk it finds the difference and orders it as memory, as memcmp orders bytes.
 template <class T>
 bool comparesRight(CompareData<T>& data) {
   long sum = 0;
@@ -108,7 +108,9 @@ bool comparesRight(CompareData<T>& data) {
       break;
     }
   }
-  return compareRuns(data) == sum;
+  const bool peersAgree = (data.format != kMemory || mismatchRuns(data) == sum) &&
+                          (data.rounds != 1 || (memcmpRuns(data) != 0) == (sum != 0));
+  return peersAgree && compareRuns(data) == sum;
 }
 
 template <class T>

@@ -1,5 +1,6 @@
 // Dates: day numbers, text by a format, storing swapped, and hashing.
 #include "bench_job.h"
+#include "run_data.h"
 
 #include <kttm.h>
 
@@ -225,6 +226,10 @@ bool hashesTellApart(DateData& data) {
   return all != data.manager.Hash(KT_ID_KtDate, 0, data.dates.data(), data.dates.size() - 1, 8, status);
 }
 
+void readWords(DateData& data) {
+  benchmark::DoNotOptimize(readBytes(opaque(data.dates.data()), opaque(data.dates.size() * sizeof(KtDate))));
+}
+
 Job<DateData> job(const char* name, bool (*check)(DateData&)) {
   return {name, 0, kBatch, 0, [] { return std::make_unique<DateData>(); }, check};
 }
@@ -251,7 +256,7 @@ void addJobs() {
       .contestant("field_by_field", storeFieldByField);
   for (const long size : {4096L, 1L << 20}) {
     Job<DateData> hash = runJob("hash_dates", size, hashesTellApart);
-    hash.contestant("kttm", hashKttm).contestant("plain_read", readDates);
+    hash.contestant("kttm", hashKttm).contestant("plain_read", readDates).contestant("floor", readWords);
 #if defined(KT_HAVE_XXHASH)
     hash.contestant("xxh3", hashXxh3);
 #endif

@@ -74,13 +74,15 @@ void scanStrtol(Int64Data& data) {
 }
 
 // The digits alone: it knows neither prefixes nor what a base is called.
+long long fromChars(const KtString& text, unsigned prefix, int base) {
+  long long value = 0;
+  std::from_chars(text.buffer + prefix, text.buffer + text.bufferSize - 1, value, base);
+  return value;
+}
+
 void scanFromChars(Int64Data& data) {
   const int base = opaque(data.base.base);
-  for (const KtString& text : data.texts) {
-    long long value = 0;
-    std::from_chars(text.buffer + data.base.prefix, text.buffer + text.bufferSize - 1, value, base);
-    keep(value);
-  }
+  for (const KtString& text : data.texts) keep(fromChars(text, data.base.prefix, base));
 }
 
 bool printsAlike(Int64Data& data) {
@@ -97,6 +99,7 @@ bool scansAlike(Int64Data& data) {
     value.ScanFromKtString(data.texts[i], data.base.format);
     const long long expected = std::strtoll(data.texts[i].buffer, nullptr, data.base.base);
     if (value != data.values[i] || value != expected) return false;
+    if (fromChars(data.texts[i], data.base.prefix, data.base.base) != expected) return false;
   }
   return true;
 }

@@ -2,6 +2,7 @@
 #ifndef BENCH_RUN_DATA_H
 #define BENCH_RUN_DATA_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -43,6 +44,9 @@ private:
   static constexpr std::size_t kHalfPage = 2048 / sizeof(T);
   std::vector<T> targetBlock_;
 };
+
+// The floor of what looks at every byte: the sum of the words, read in the widest vectors. bytes is a multiple of 128.
+std::uint64_t readBytes(const void* run, std::size_t bytes);
 
 // One set a type and size for all jobs.
 template <class T>

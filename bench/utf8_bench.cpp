@@ -73,8 +73,8 @@ void encodeSimdutf(Utf8Data& data) {
 }
 #endif
 
-// Each contestant turns the first text into the other form exactly. (All work through the same list.)
-bool convertsAlike(Utf8Data& data) {
+// kttm turns every text into the other form exactly.
+bool kttmConverts(Utf8Data& data) {
   for (std::size_t i = 0; i < data.utf8.size(); ++i) {
     std::string& utf8 = data.utf8[i];
     const int count = KtMultiByteStr2WCharStr(data.units.data(), static_cast<int>(data.units.size()), utf8.data(),
@@ -86,6 +86,28 @@ bool convertsAlike(Utf8Data& data) {
     if (std::string(data.bytes.data(), bytes < 0 ? 0 : static_cast<std::size_t>(bytes)) != utf8) return false;
   }
   return true;
+}
+
+using Convert = void (*)(Utf8Data&);
+
+// A peer goes through all texts and leaves the last one in the room.
+[[maybe_unused]] bool peerConverts(Utf8Data& data, Convert decode, Convert encode) {
+  std::fill(data.units.begin(), data.units.end(), static_cast<unsigned short>(0));
+  std::fill(data.bytes.begin(), data.bytes.end(), '\0');
+  decode(data), encode(data);
+  const KtString& last = data.texts.back();
+  return std::memcmp(data.units.data(), last.buffer, last.bufferSize) == 0 &&
+         std::memcmp(data.bytes.data(), data.utf8.back().c_str(), data.utf8.back().size() + 1) == 0;
+}
+
+bool convertsAlike(Utf8Data& data) {
+#if defined(KT_HAVE_ICU)
+  if (!peerConverts(data, decodeIcu, encodeIcu)) return false;
+#endif
+#if defined(KT_HAVE_SIMDUTF)
+  if (!peerConverts(data, decodeSimdutf, encodeSimdutf)) return false;
+#endif
+  return kttmConverts(data);
 }
 
 bool isPlain(const std::string& text) {
