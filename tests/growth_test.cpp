@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -92,6 +91,9 @@ TEST(Growth, the_least_time_counts_and_memory_is_allowed_its_own) {
   EXPECT_TRUE(costs.isLinear());
   costs.perValue[3] = 26.1;
   EXPECT_FALSE(costs.isLinear());
+  costs.counts[3] = costs.counts[2];
+  EXPECT_TRUE(costs.isLinear()) << "the same run, disturbed";
+  costs.counts[3] = kt::scaling::kSizes[3];
   costs.add(3, kt::scaling::kSizes[3], 25);
   costs.add(3, kt::scaling::kSizes[3], 90);
   EXPECT_TRUE(costs.isLinear());
