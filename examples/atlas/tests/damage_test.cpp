@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <string_view>
 
 namespace {
 
@@ -97,6 +98,16 @@ private:
   Txn txn_;
 };
 
+// An entry of city.people that leads to that object.
+void addPeople(Change& change, const char* people, KtDWord object, BlockId block) {
+  change.addEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, people)),
+                  storedId(object, block));
+}
+void removePeople(Change& change, const char* people, KtDWord object, BlockId block) {
+  change.removeEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, people)),
+                     storedId(object, block));
+}
+
 // The country of the last city becomes object 3.
 void referToTokyo(Buffer& block) {
   constexpr std::size_t kFromEnd = 14 + 4 + 3;
@@ -173,95 +184,85 @@ private:
   std::string folder_;
 };
 
+constexpr struct {
+  const char* what;
+  void (*damage)(Change&);
+  std::string_view said;  // by check, at least this
+} kCheckCases[] = {
+    {"an entry that leads to no object", [](Change& change) { addPeople(change, "5", 9, kCities); },
+     "damaged: city.people leads to object 9, which is not there\n"
+     "damaged: city.people has 5 entries for 4 objects\n"
+     "the database is damaged in 2 places"},
+    {"an entry that leads to an object of another class", [](Change& change) { addPeople(change, "5", 1, kCountries); },
+     "damaged: city.people leads to object 1, which is not there\n"
+     "damaged: city.people has 5 entries for 4 objects\n"
+     "the database is damaged in 2 places"},
+    {"an object without its entry",
+     [](Change& change) {
+       change.removeEntry("city.name", KT_ID_KtString, storedKey(KT_ID_KtString, stored(KT_ID_KtString, "Lund")),
+                          storedId(5, kCities));
+     },
+     "damaged: city 5 is not in the index city.name\n"
+     "damaged: city.name has 3 entries for 4 objects\n"
+     "the database is damaged in 2 places"},
+    {"an entry under another value",
+     [](Change& change) {
+       removePeople(change, "87244", 5, kCities);
+       addPeople(change, "7", 5, kCities);
+     },
+     "damaged: city 5 is not in the index city.people\n"
+     "damaged: city.people has another value than object 5\n"
+     "the database is damaged in 2 places"},
+    // The last object ends with the block: four bytes of people, little-endian, and its rank, a mark and two bytes.
+    {"a byte of an indexed field bent",
+     [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { ++block[block.size() - 7]; }); },
+     "damaged: city 6 is not in the index city.people\n"
+     "damaged: city.people has another value than object 6\n"
+     "the database is damaged in 2 places"},
+    {"a byte that no value of the type has",
+     [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block[block.size() - 3] = 2; }); },
+     "damaged: city 6: its rank is no value of KtNull_short\n"
+     "the database is damaged in 1 place"},
+    // The reference before them, 14 bytes, begins with block and number.
+    {"a reference to an object of another class", [](Change& change) { change.bendBlock(kCities, referToTokyo); },
+     "damaged: city 6: its country leads nowhere\n"
+     "damaged: city 6 is not in the index city.country\n"
+     "damaged: city.country has another value than object 6\n"
+     "the database is damaged in 3 places"},
+    {"fields that end before their object",
+     [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block.push_back(0); }); },
+     "damaged: city 6 is damaged: its fields do not fill it\n"
+     "damaged: there are 3 objects of class city, counted were 4\n"
+     "damaged: the index city.name: city 6 is damaged: its fields do not fill it\n"
+     "damaged: the index city.country: city 6 is damaged: its fields do not fill it\n"
+     "damaged: the index city.people: city 6 is damaged: its fields do not fill it\n"
+     "the database is damaged in 5 places"},
+    {"a block that is not there", [](Change& change) { change.removeBlock(kCountries); },
+     "damaged: city 3: its country leads nowhere\n"
+     "damaged: city 4: its country leads nowhere\n"
+     "damaged: city 5: its country leads nowhere\n"
+     "damaged: city 6: its country leads nowhere\n"
+     "damaged: there are 0 objects of class country, counted were 2\n"
+     "damaged: country.code leads to object 2, which is not there\n"
+     "damaged: country.code leads to object 1, which is not there\n"
+     "the database is damaged in 7 places"},
+    {"a block of no class", [](Change& change) { change.bendBlock(kCountries, [](Buffer& block) { block[0] = 77; }); },
+     "damaged: block 1 is of no class\n"
+     "damaged: city 3: its country leads nowhere\n"},
+    {"a block cut in its head",
+     [](Change& change) { change.bendBlock(kCountries, [](Buffer& block) { block.resize(10); }); },
+     "damaged: block 1 is damaged\n"
+     "damaged: city 3: block 1 is damaged\n"},
+    {"a size that leads behind its block",
+     [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block[11] = 0xFF; }); },
+     "damaged: block 2 is damaged\n"},
+    {"a counter that is wrong", [](Change& change) { change.setMeta("count city", "40"); },
+     "damaged: there are 4 objects of class city, counted were 40\n"},
+};
+
 TEST_F(Damage, check_names_every_place_and_goes_on) {
-  const struct {
-    const char* what;
-    std::function<void(Change&)> damage;
-    std::string said;
-  } kCases[] = {
-      {"an entry that leads to no object",
-       [](Change& change) {
-         change.addEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, "5")),
-                         storedId(9, kCities));
-       },
-       "damaged: city.people leads to object 9, which is not there\n"
-       "damaged: city.people has 5 entries for 4 objects\n"
-       "the database is damaged in 2 places"},
-      {"an entry that leads to an object of another class",
-       [](Change& change) {
-         change.addEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, "5")),
-                         storedId(1, kCountries));
-       },
-       "damaged: city.people leads to object 1, which is not there\n"
-       "damaged: city.people has 5 entries for 4 objects\n"
-       "the database is damaged in 2 places"},
-      {"an object without its entry",
-       [](Change& change) {
-         change.removeEntry("city.name", KT_ID_KtString, storedKey(KT_ID_KtString, stored(KT_ID_KtString, "Lund")),
-                            storedId(5, kCities));
-       },
-       "damaged: city 5 is not in the index city.name\n"
-       "damaged: city.name has 3 entries for 4 objects\n"
-       "the database is damaged in 2 places"},
-      {"an entry under another value",
-       [](Change& change) {
-         const Buffer is = storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, "87244"));
-         change.removeEntry("city.people", KT_ID_KtDWord, is, storedId(5, kCities));
-         change.addEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, "7")),
-                         storedId(5, kCities));
-       },
-       "damaged: city 5 is not in the index city.people\n"
-       "damaged: city.people has another value than object 5\n"
-       "the database is damaged in 2 places"},
-      // The last object ends with the block: four bytes of people, little-endian, and its rank, a mark and two bytes.
-      {"a byte of an indexed field bent",
-       [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { ++block[block.size() - 7]; }); },
-       "damaged: city 6 is not in the index city.people\n"
-       "damaged: city.people has another value than object 6\n"
-       "the database is damaged in 2 places"},
-      {"a byte that no value of the type has",
-       [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block[block.size() - 3] = 2; }); },
-       "damaged: city 6: its rank is no value of KtNull_short\n"
-       "the database is damaged in 1 place"},
-      // The reference before them, 14 bytes, begins with block and number.
-      {"a reference to an object of another class", [](Change& change) { change.bendBlock(kCities, referToTokyo); },
-       "damaged: city 6: its country leads nowhere\n"
-       "damaged: city 6 is not in the index city.country\n"
-       "damaged: city.country has another value than object 6\n"
-       "the database is damaged in 3 places"},
-      {"fields that end before their object",
-       [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block.push_back(0); }); },
-       "damaged: city 6 is damaged: its fields do not fill it\n"
-       "damaged: there are 3 objects of class city, counted were 4\n"
-       "damaged: the index city.name: city 6 is damaged: its fields do not fill it\n"
-       "damaged: the index city.country: city 6 is damaged: its fields do not fill it\n"
-       "damaged: the index city.people: city 6 is damaged: its fields do not fill it\n"
-       "the database is damaged in 5 places"},
-      {"a block that is not there", [](Change& change) { change.removeBlock(kCountries); },
-       "damaged: city 3: its country leads nowhere\n"
-       "damaged: city 4: its country leads nowhere\n"
-       "damaged: city 5: its country leads nowhere\n"
-       "damaged: city 6: its country leads nowhere\n"
-       "damaged: there are 0 objects of class country, counted were 2\n"
-       "damaged: country.code leads to object 2, which is not there\n"
-       "damaged: country.code leads to object 1, which is not there\n"
-       "the database is damaged in 7 places"},
-      {"a block of no class",
-       [](Change& change) { change.bendBlock(kCountries, [](Buffer& block) { block[0] = 77; }); },
-       "damaged: block 1 is of no class\n"
-       "damaged: city 3: its country leads nowhere\n"},
-      {"a block cut in its head",
-       [](Change& change) { change.bendBlock(kCountries, [](Buffer& block) { block.resize(10); }); },
-       "damaged: block 1 is damaged\n"
-       "damaged: city 3: block 1 is damaged\n"},
-      {"a size that leads behind its block",
-       [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block[11] = 0xFF; }); },
-       "damaged: block 2 is damaged\n"},
-      {"a counter that is wrong", [](Change& change) { change.setMeta("count city", "40"); },
-       "damaged: there are 4 objects of class city, counted were 40\n"},
-  };
   ASSERT_EQ(run("check").said, "sound: 6 objects, 14 index entries\n");
-  for (const auto& wanted : kCases) {
+  for (const auto& wanted : kCheckCases) {
     makeDatabase();
     damage(wanted.damage);
     const Outcome outcome = run("check");
@@ -308,12 +309,8 @@ TEST_F(Damage, other_commands_end_with_a_message_where_they_meet_it) {
     int code;
     const char* said;
   } kCases[] = {
-      {"query 'people = 5'",
-       [](Change& change) {
-         change.addEntry("city.people", KT_ID_KtDWord, storedKey(KT_ID_KtDWord, stored(KT_ID_KtDWord, "5")),
-                         storedId(9, kCities));
-       },
-       kExitBroken, "the database is damaged: there is no object 9"},
+      {"query 'people = 5'", [](Change& change) { addPeople(change, "5", 9, kCities); }, kExitBroken,
+       "the database is damaged: there is no object 9"},
       {"query 'country = SE'", [](Change& change) { change.removeBlock(kCountries); }, kExitBroken,
        "the database is damaged: there is no object 1"},
       {"dump", [](Change& change) { change.bendBlock(kCities, [](Buffer& block) { block.push_back(0); }); },
