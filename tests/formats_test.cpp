@@ -194,13 +194,13 @@ void setConverted(KtTypeMgr& mgr, char id, void* value, const std::string& text)
 }
 
 // The values of a line.
-class Values {
+class LineValues {
 public:
-  Values(KtTypeMgr& mgr, char id, unsigned long n) : count(n), first(mgr.Create(id, n)), mgr_(mgr), id_(id) {}
-  Values(KtTypeMgr& mgr, char id, const Strings& texts) : Values(mgr, id, texts.size()) {
+  LineValues(KtTypeMgr& mgr, char id, unsigned long n) : count(n), first(mgr.Create(id, n)), mgr_(mgr), id_(id) {}
+  LineValues(KtTypeMgr& mgr, char id, const Strings& texts) : LineValues(mgr, id, texts.size()) {
     for (unsigned long i = 0; i < count; ++i) set(mgr.GetArrayElement(id, first, i, count), texts[i]);
   }
-  ~Values() { mgr_.Delete(id_, first, count); }
+  ~LineValues() { mgr_.Delete(id_, first, count); }
 
   const unsigned long count;
   void* const first;
@@ -222,18 +222,18 @@ private:
 
 // --- storing and loading ----------------------------------------------------------------------------------------------
 
-Bytes stored(KtTypeMgr& mgr, char id, const Values& run, unsigned char code) {
+Bytes stored(KtTypeMgr& mgr, char id, const LineValues& run, unsigned char code) {
   const Block target(Bytes(mgr.DiskLenGet(id, run.first, code, run.count, 8), 0xEE));
   EXPECT_EQ(mgr.Store(id, target.get(), run.first, code, run.count), target.size);
   return Bytes(target.get(), target.get() + target.size);
 }
 
-void checkStorage(KtTypeMgr& mgr, char id, const Values& run, const Bytes& expected, unsigned char code) {
+void checkStorage(KtTypeMgr& mgr, char id, const LineValues& run, const Bytes& expected, unsigned char code) {
   EXPECT_EQ(stored(mgr, id, run, code), expected);
   EXPECT_EQ(stored(mgr, id, run, static_cast<unsigned char>(code | 0x70)), expected);  // only 0x80 has a meaning here
 
   const Block disk(expected);
-  const Values loaded(mgr, id, run.count);
+  const LineValues loaded(mgr, id, run.count);
   EXPECT_EQ(mgr.Load(id, loaded.first, disk.get(), code, run.count), expected.size());
   EXPECT_EQ(mgr.Cmp(id, loaded.first, run.first, 0, run.count, 8), 0);
   EXPECT_EQ(stored(mgr, id, loaded, code), expected);
@@ -245,7 +245,7 @@ void checkStorage(KtTypeMgr& mgr, char id, const Values& run, const Bytes& expec
 }
 
 // Keys are made of strings in memory and of records in both byte orders, in as much room as the example has bytes.
-void checkKey(KtTypeMgr& mgr, char id, const Values& run, const Bytes& expected, unsigned char code) {
+void checkKey(KtTypeMgr& mgr, char id, const LineValues& run, const Bytes& expected, unsigned char code) {
   const Block target(Bytes(expected.size(), 0xEE));
   const auto translated = [&](void* source, unsigned char form, unsigned long length) {
     EXPECT_EQ(mgr.Translate(id, target.get(), code, target.size, source, form, length, run.count), expected.size());
@@ -276,7 +276,7 @@ TEST(Formats, golden_examples_are_what_is_stored_loaded_and_sized) {
     KtTypeMgr& mgr = name.back() == "older" ? legacy : current;
     char id;
     ASSERT_EQ(mgr.Name2KtTypeId(name[0].c_str(), id), 0);
-    const Values run(mgr, id, example.value == "none" ? Strings{} : split(example.value, "; "));
+    const LineValues run(mgr, id, example.value == "none" ? Strings{} : split(example.value, "; "));
     const Bytes expected = hex(example.bytes);
     for (const unsigned char code : codesOf(example)) {
       SCOPED_TRACE(int{code});

@@ -119,17 +119,6 @@ KtDateTime DateTimeValue::fromText(const KtString& s) {
 
 }  // namespace kt
 
-long DateCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
-                 unsigned short options, unsigned long count, int& status) {
-  return kt::compareDates<kt::DateOrder>(format, lengthA, a, lengthB, b, options, count, status);
-}
-
-long TimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short,
-                 unsigned long count, int& status) {
-  return kt::compareOperation<kt::TimeValue>(format, lengthA, a, lengthB, b, count, status);
-}
-
-long DaTimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short,
-                   unsigned long count, int& status) {
-  return kt::compareOperation<kt::DateTimeValue>(format, lengthA, a, lengthB, b, count, status);
-}
+KT_COMPARE_COVER(DateCompare, kt::compareDates<kt::DateOrder>)
+KT_COMPARE_COVER(TimeCompare, kt::ScalarOps<kt::TimeValue>::compare)
+KT_COMPARE_COVER(DaTimeCompare, kt::ScalarOps<kt::DateTimeValue>::compare)

@@ -210,12 +210,6 @@ float RefOps::evalAndBound(KtIdxBounds*, unsigned short& flags, void* key, unsig
 
 }  // namespace kt
 
-#define KT_COMPARE_COVER(name, Ops)                                                               \
-  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, \
-            unsigned short options, unsigned long count, int& status) {                           \
-    return kt::Ops::IdentityOps::compare(format, lengthA, a, lengthB, b, options, count, status); \
-  }
-
-KT_COMPARE_COVER(ObjIdCompare, ObjIdOps)
-KT_COMPARE_COVER(ClassIdCompare, ClassIdOps)
-KT_COMPARE_COVER(RefCompare, RefOps)
+KT_COMPARE_COVER(ObjIdCompare, kt::ObjIdOps::IdentityOps::compare)
+KT_COMPARE_COVER(ClassIdCompare, kt::ClassIdOps::IdentityOps::compare)
+KT_COMPARE_COVER(RefCompare, kt::RefOps::IdentityOps::compare)

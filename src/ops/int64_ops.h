@@ -13,6 +13,7 @@ namespace kt {
 
 // DISK: two 32-bit words in the order of the format code, the low word first in every code.
 struct Int64Value : ScalarCompare<Int64Value, KtInt64>, ClassText<KtInt64> {
+  static constexpr char kFormat[] = "%S";
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return LongStore(dst, src, lowCode(f), 2 * n);
   }

@@ -40,32 +40,6 @@ constexpr std::uint32_t kNullHashWord = 0x4E554C4C;
 bool isNullText(const KtString& text);
 KtString nullText();
 
-// The format of a row, also for who calls its functions without one.
-template <class V>
-inline constexpr const char* kNullableFormat = nullptr;
-template <>
-inline constexpr const char* kNullableFormat<CharValue> = "%c";
-template <>
-inline constexpr const char* kNullableFormat<ByteValue> = "%c";
-template <>
-inline constexpr const char* kNullableFormat<ShortValue> = "%hd";
-template <>
-inline constexpr const char* kNullableFormat<WordValue> = "%hu";
-template <>
-inline constexpr const char* kNullableFormat<IntValue> = "%d";
-template <>
-inline constexpr const char* kNullableFormat<UnsignedValue> = "%u";
-template <>
-inline constexpr const char* kNullableFormat<LongValue> = "%ld";
-template <>
-inline constexpr const char* kNullableFormat<DwordValue> = "%lu";
-template <>
-inline constexpr const char* kNullableFormat<FloatValue> = "%f";
-template <>
-inline constexpr const char* kNullableFormat<DoubleValue> = "%lf";
-template <>
-inline constexpr const char* kNullableFormat<Int64Value> = "%S";
-
 // Moves one column of a run of records: kWidth bytes of each.
 template <unsigned long kWidth>
 inline void moveColumn(unsigned char* dst, unsigned long dstStep, const unsigned char* src, unsigned long srcStep,
@@ -79,7 +53,7 @@ template <class V>
 struct NullableValue {
   using Memory = NullableMemory<typename V::Memory>;
   static constexpr bool kEqualBytes = true;
-  static constexpr const char* kFormat = kNullableFormat<V>;
+  static constexpr const char* kFormat = V::kFormat;
 
   static unsigned long elementSize(unsigned char code) { return recordOf(code).size; }
   static unsigned long fileSize(unsigned char format, unsigned long count) {

@@ -94,17 +94,6 @@ unsigned long OdmgTimestampValue::store(void* dst, const void* src, unsigned cha
 
 }  // namespace kt
 
-long d_DateCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
-                   unsigned short options, unsigned long count, int& status) {
-  return kt::compareDates<kt::OdmgDateOrder>(format, lengthA, a, lengthB, b, options, count, status);
-}
-
-long d_TimeCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short,
-                   unsigned long count, int& status) {
-  return kt::compareOperation<kt::OdmgTimeValue>(format, lengthA, a, lengthB, b, count, status);
-}
-
-long d_TimestampCompare(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
-                        unsigned short options, unsigned long count, int& status) {
-  return kt::compareDates<kt::OdmgTimestampOrder>(format, lengthA, a, lengthB, b, options, count, status);
-}
+KT_COMPARE_COVER(d_DateCompare, kt::compareDates<kt::OdmgDateOrder>)
+KT_COMPARE_COVER(d_TimeCompare, kt::ScalarOps<kt::OdmgTimeValue>::compare)
+KT_COMPARE_COVER(d_TimestampCompare, kt::compareDates<kt::OdmgTimestampOrder>)

@@ -112,4 +112,11 @@ inline long compareOperation(unsigned char format, unsigned long lengthA, const 
 
 }  // namespace kt
 
+// The exported compare function of a row: it does what `operation` does, which takes the same parameters.
+#define KT_COMPARE_COVER(name, operation)                                                         \
+  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, \
+            unsigned short options, unsigned long count, int& status) {                           \
+    return operation(format, lengthA, a, lengthB, b, options, count, status);                     \
+  }
+
 #endif

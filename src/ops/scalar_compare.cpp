@@ -2,25 +2,18 @@
 #include "kttypops.h"
 #include "ops/boolean_ops.h"
 #include "ops/int64_ops.h"
-#include "ops/run_compare.h"
+#include "ops/scalar_ops.h"
 #include "ops/scalar_values.h"
 
-// One cover a function: the value's description is all that differs.
-#define KT_COMPARE_COVER(name, value)                                                                             \
-  long name(unsigned char format, unsigned long lengthA, void* a, unsigned long lengthB, void* b, unsigned short, \
-            unsigned long count, int& status) {                                                                   \
-    return kt::compareOperation<kt::value>(format, lengthA, a, lengthB, b, count, status);                        \
-  }
-
-KT_COMPARE_COVER(CharCompare, CharValue)
-KT_COMPARE_COVER(ByteCompare, ByteValue)
-KT_COMPARE_COVER(ShortCompare, ShortValue)
-KT_COMPARE_COVER(WordCompare, WordValue)
-KT_COMPARE_COVER(IntCompare, IntValue)
-KT_COMPARE_COVER(UnsignedCompare, UnsignedValue)
-KT_COMPARE_COVER(LongCompare, LongValue)
-KT_COMPARE_COVER(DwordCompare, DwordValue)
-KT_COMPARE_COVER(FloatCompare, FloatValue)
-KT_COMPARE_COVER(DoubleCompare, DoubleValue)
-KT_COMPARE_COVER(Int64Compare, Int64Value)
-KT_COMPARE_COVER(BooleanCompare, BooleanValue)
+KT_COMPARE_COVER(CharCompare, kt::ScalarOps<kt::CharValue>::compare)
+KT_COMPARE_COVER(ByteCompare, kt::ScalarOps<kt::ByteValue>::compare)
+KT_COMPARE_COVER(ShortCompare, kt::ScalarOps<kt::ShortValue>::compare)
+KT_COMPARE_COVER(WordCompare, kt::ScalarOps<kt::WordValue>::compare)
+KT_COMPARE_COVER(IntCompare, kt::ScalarOps<kt::IntValue>::compare)
+KT_COMPARE_COVER(UnsignedCompare, kt::ScalarOps<kt::UnsignedValue>::compare)
+KT_COMPARE_COVER(LongCompare, kt::ScalarOps<kt::LongValue>::compare)
+KT_COMPARE_COVER(DwordCompare, kt::ScalarOps<kt::DwordValue>::compare)
+KT_COMPARE_COVER(FloatCompare, kt::ScalarOps<kt::FloatValue>::compare)
+KT_COMPARE_COVER(DoubleCompare, kt::ScalarOps<kt::DoubleValue>::compare)
+KT_COMPARE_COVER(Int64Compare, kt::ScalarOps<kt::Int64Value>::compare)
+KT_COMPARE_COVER(BooleanCompare, kt::ScalarOps<kt::BooleanValue>::compare)

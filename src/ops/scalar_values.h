@@ -1,5 +1,6 @@
 // scalar_values.h - the plain scalars, one description each: how one value is stored, compared, hashed, estimated,
-// converted, and printed and scanned by a format (scan tells whether the text matched).
+// converted, and printed and scanned by a format (scan tells whether the text matched). kFormat is that of the row, and of
+// the nullable one.
 #ifndef KT_OPS_SCALAR_VALUES_H
 #define KT_OPS_SCALAR_VALUES_H
 
@@ -14,6 +15,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace kt {
 
@@ -67,6 +69,7 @@ struct ScalarCompare {
 // --- 8 bits: the format never matters ----------------------------------------------------------------------------
 template <class Memory>
 struct ByteFamily : ScalarCompare<ByteFamily<Memory>, Memory> {
+  static constexpr char kFormat[] = "%c";
   static constexpr bool direct(unsigned char) { return true; }
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return CharStore(dst, src, f, n);
@@ -90,6 +93,7 @@ using ByteValue = ByteFamily<std::uint8_t>;
 // --- 16 bits ---------------------------------------------------------------------------------------------------------
 template <class Memory>
 struct ShortFamily : ScalarCompare<ShortFamily<Memory>, Memory> {
+  static constexpr const char* kFormat = std::is_signed_v<Memory> ? "%hd" : "%hu";
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return ShortStore(dst, src, f, n);
   }
@@ -120,6 +124,7 @@ inline std::int32_t storedLong(const KtString& s) {
 
 template <class Memory>
 struct LongFamily : ScalarCompare<LongFamily<Memory>, Memory> {
+  static constexpr const char* kFormat = std::is_signed_v<Memory> ? "%ld" : "%lu";
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
     return LongStore(dst, src, f, n);
   }
@@ -144,6 +149,7 @@ using DwordValue = LongFamily<std::uint32_t>;
 // Always compared by the signed loader: unsigned values of two bytes compare sign-extended.
 template <class Memory, bool kUnsignedStorage>
 struct IntFamily : ScalarCompare<IntFamily<Memory, false>, Memory> {
+  static constexpr const char* kFormat = std::is_signed_v<Memory> ? "%d" : "%u";
   static unsigned long elementSize(unsigned char code) {
     return code == kMemoryForm ? sizeof(Memory) : IntSizeGet(nullptr, kMemoryForm, code, 1);
   }
@@ -182,45 +188,32 @@ struct EnumValue : IntValue {};
 // pass for certainty. It stops at the step between 1 and the next float.
 constexpr double kLeastRealShare = 1.1920928955078125e-7;
 
-struct FloatValue : ScalarCompare<FloatValue, float> {
+template <class Memory>
+struct RealFamily : ScalarCompare<RealFamily<Memory>, Memory> {
+  static constexpr bool kIsFloat = std::is_same_v<Memory, float>;
+  static constexpr const char* kFormat = kIsFloat ? "%f" : "%lf";
   static constexpr double kLeastShare = kLeastRealShare;
   static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
-    return FloatStore(dst, src, f, n);
+    return kIsFloat ? FloatStore(dst, src, f, n) : DoubleStore(dst, src, f, n);
   }
   static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
-    return FloatStore(dst, src, f, n);
+    return store(dst, src, f, n);
   }
-  static unsigned long fileSize(unsigned char f, unsigned long count) {
-    return FloatSizeGet(nullptr, kMemoryForm, lowCode(f), count);
-  }
+  static unsigned long fileSize(unsigned char, unsigned long count) { return sizeof(Memory) * count; }
   static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
-    return xorFloats(p, n, !isHostLayout(code));
+    return kIsFloat ? xorFloats(p, n, !isHostLayout(code)) : xorDoubles(p, n, !isHostLayout(code));
   }
-  static KtString toText(float v) { return KtString(static_cast<double>(v)); }
-  static float fromText(const KtString& s) { return static_cast<float>(static_cast<double>(s)); }
-  static void print(KtString& out, void* value, const char* format) { printFloat(out, value, format, 1); }
-  static bool scan(void* value, const KtString& in, const char* format) { return scanFloatValue(value, in, format); }
+  static KtString toText(Memory v) { return KtString(static_cast<double>(v)); }
+  static Memory fromText(const KtString& s) { return static_cast<Memory>(static_cast<double>(s)); }
+  static void print(KtString& out, void* value, const char* format) {
+    kIsFloat ? printFloat(out, value, format, 1) : printDouble(out, value, format, 1);
+  }
+  static bool scan(void* value, const KtString& in, const char* format) {
+    return kIsFloat ? scanFloatValue(value, in, format) : scanDoubleValue(value, in, format);
+  }
 };
-
-struct DoubleValue : ScalarCompare<DoubleValue, double> {
-  static constexpr double kLeastShare = kLeastRealShare;
-  static unsigned long store(void* dst, const void* src, unsigned char f, unsigned long n) {
-    return DoubleStore(dst, src, f, n);
-  }
-  static unsigned long load(void* dst, const void* src, unsigned char f, unsigned long n) {
-    return DoubleStore(dst, src, f, n);
-  }
-  static unsigned long fileSize(unsigned char f, unsigned long count) {
-    return DoubleSizeGet(nullptr, kMemoryForm, lowCode(f), count);
-  }
-  static std::uint32_t hashWords(unsigned char code, const unsigned char* p, unsigned long n) {
-    return xorDoubles(p, n, !isHostLayout(code));
-  }
-  static KtString toText(double v) { return KtString(v); }
-  static double fromText(const KtString& s) { return s; }
-  static void print(KtString& out, void* value, const char* format) { printDouble(out, value, format, 1); }
-  static bool scan(void* value, const KtString& in, const char* format) { return scanDoubleValue(value, in, format); }
-};
+using FloatValue = RealFamily<float>;
+using DoubleValue = RealFamily<double>;
 
 }  // namespace kt
 

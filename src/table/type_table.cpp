@@ -77,7 +77,6 @@ struct Helpers {
 };
 
 struct TextForm {
-  const char* format;
   KtPrintToKtStringFunc print;
   KtScanFromKtStringFunc scan;
 };
@@ -86,7 +85,7 @@ struct TextForm {
 template <class V>
 constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtTypeCmpFunc compare,
                                      const Helpers& helpers) {
-  KtTypeDescriptor row = rowOf<ScalarOps<V>>(name, sizeof(typename V::Memory), text.format);
+  KtTypeDescriptor row = rowOf<ScalarOps<V>>(name, sizeof(typename V::Memory), V::kFormat);
   row.Store = helpers.store;
   row.Load = helpers.load;
   row.NullSizeGet = helpers.nullSizeGet;
@@ -99,10 +98,9 @@ constexpr KtTypeDescriptor scalarRow(const char* name, const TextForm& text, KtT
 
 // A row that shares all operations of `base` but for its unsigned order, estimate and hash, those of V.
 template <class V>
-constexpr KtTypeDescriptor unsignedTwin(KtTypeDescriptor base, const char* name, const char* format,
-                                        KtTypeCmpFunc compare) {
+constexpr KtTypeDescriptor unsignedTwin(KtTypeDescriptor base, const char* name, KtTypeCmpFunc compare) {
   base.Name = name;
-  base.Format = format;
+  base.Format = V::kFormat;
   base.Compare = compare;
   base.EvalAndBound = ScalarOps<V>::evalAndBound;
   base.Hash = ScalarOps<V>::hash;
@@ -118,23 +116,28 @@ constexpr Helpers intHelpers() { return {IntStore, IntLoad, IntNullSizeGet, IntS
 constexpr Helpers unsignedHelpers() { return {UnsignedStore, UnsignedLoad, IntNullSizeGet, IntSizeGet}; }
 
 constexpr KtTypeDescriptor charRow() {
-  return scalarRow<CharValue>("char", {"%c", printChars, scanChars}, CharCompare, charHelpers());
+  return scalarRow<CharValue>("char", {printChars, scanChars}, CharCompare, charHelpers());
 }
 constexpr KtTypeDescriptor shortRow() {
-  return scalarRow<ShortValue>("short", {"%hd", printShort, scanShort}, ShortCompare, shortHelpers());
+  return scalarRow<ShortValue>("short", {printShort, scanShort}, ShortCompare, shortHelpers());
 }
 constexpr KtTypeDescriptor longRow() {
-  return scalarRow<LongValue>("long", {"%ld", printLong, scanLong}, LongCompare, longHelpers());
+  return scalarRow<LongValue>("long", {printLong, scanLong}, LongCompare, longHelpers());
 }
-constexpr KtTypeDescriptor dwordRow(const char* name, const char* format) {
-  return unsignedTwin<DwordValue>(longRow(), name, format, DwordCompare);
+constexpr KtTypeDescriptor dwordRow(const char* name) {
+  return unsignedTwin<DwordValue>(longRow(), name, DwordCompare);
+}
+constexpr KtTypeDescriptor blockIdRow() {
+  KtTypeDescriptor row = dwordRow("BlockId");
+  row.Format = "#%lu";
+  return row;
 }
 constexpr KtTypeDescriptor intRow() {
-  return scalarRow<IntValue>("int", {"%d", printLong, scanLong}, IntCompare, intHelpers());
+  return scalarRow<IntValue>("int", {printLong, scanLong}, IntCompare, intHelpers());
 }
 
 constexpr KtTypeDescriptor unsignedRow() {
-  KtTypeDescriptor row = unsignedTwin<UnsignedValue>(intRow(), "unsigned", "%u", UnsignedCompare);
+  KtTypeDescriptor row = unsignedTwin<UnsignedValue>(intRow(), "unsigned", UnsignedCompare);
   row.Store = unsignedHelpers().store;
   row.Load = unsignedHelpers().load;
   row.Translate = ScalarOps<UnsignedValue>::translate;
@@ -163,18 +166,17 @@ constexpr KtTypeDescriptor stringRow(const char* name) {
 // The nullable form of the scalar that V describes.
 template <class V>
 constexpr KtTypeDescriptor nullableRow(const char* name) {
-  return rowOf<NullableOps<V>>(name, sizeof(typename NullableValue<V>::Memory), kNullableFormat<V>);
+  return rowOf<NullableOps<V>>(name, sizeof(typename NullableValue<V>::Memory), V::kFormat);
 }
 
 constexpr KtTypeDescriptor floatRow() {
-  return scalarRow<FloatValue>("float", {"%f", printFloat, scanFloat}, FloatCompare, floatHelpers());
+  return scalarRow<FloatValue>("float", {printFloat, scanFloat}, FloatCompare, floatHelpers());
 }
 
 // A number of seconds: sizes, order, hash and translation are those of floats.
 constexpr KtTypeDescriptor intervalRow() {
   const KtTypeDescriptor base = floatRow();
-  KtTypeDescriptor row =
-      rowOf<OdmgIntervalOps>("d_Interval", sizeof(d_Interval), "%e days, %I hours, %M minutes, %S seconds");
+  KtTypeDescriptor row = rowOf<OdmgIntervalOps>("d_Interval", sizeof(d_Interval), OdmgIntervalValue::kFormat);
   row.NullSizeGet = base.NullSizeGet;
   row.SizeGet = base.SizeGet;
   row.SizeGetFromMemFile = base.SizeGetFromMemFile;
@@ -190,18 +192,18 @@ KT_LOADED KtTypeDescriptor rows[] = {
     /*  0 */ charRow(),
     /*  1 */ shortRow(),
     /*  2 */ longRow(),
-    /*  3 */ scalarRow<DoubleValue>("double", {"%lf", printDouble, scanDouble}, DoubleCompare, doubleHelpers()),
+    /*  3 */ scalarRow<DoubleValue>("double", {printDouble, scanDouble}, DoubleCompare, doubleHelpers()),
     /*  4 */ floatRow(),
-    /*  5 */ unsignedTwin<WordValue>(shortRow(), "KtWord", "%hu", WordCompare),
-    /*  6 */ dwordRow("KtDWord", "%lu"),
+    /*  5 */ unsignedTwin<WordValue>(shortRow(), "KtWord", WordCompare),
+    /*  6 */ dwordRow("KtDWord"),
     /*  7 */ intRow(),
     /*  8 */ unsignedRow(),
     /*  9 */ enumRow(),
-    /* 10 */ unsignedTwin<ByteValue>(charRow(), "KtByte", "%c", ByteCompare),
+    /* 10 */ unsignedTwin<ByteValue>(charRow(), "KtByte", ByteCompare),
     /* 11 */ stringRow<StringOps>("KtString"),
     /* 12 */ rowOf<KtDateOps>("KtDate", sizeof(KtDate), "%a %e.%b %Y"),
     /* 13 */ rowOf<KtTimeOps>("KtTime", sizeof(KtTime), "%I:%M:%S %p"),
-    /* 14 */ dwordRow("BlockId", "#%lu"),
+    /* 14 */ blockIdRow(),
     /* 15 */ rowOf<ObjIdOps>("KtObjId", sizeof(KtObjId), kObjIdFormat),
     /* 16 */ rowOf<ClassIdOps>("KtClassId", sizeof(KtClassId), kClassIdFormat),
     /* 17 */ rowOf<RefOps>("KtRef", sizeof(KtRef), kRefFormat),
@@ -209,11 +211,11 @@ KT_LOADED KtTypeDescriptor rows[] = {
     /* 19 */ rowOf<KtDateTimeOps>("KtDateTime", sizeof(KtDateTime), "%a %e.%b %Y %I:%M:%S %p"),
     /* 20 */ stringRow<IStringOps>("KtIString"),
     /* 21 */ stringRow<CaseIStringOps>("KtCaseIString"),
-    /* 22 */ rowOf<OdmgDateOps>("d_Date", sizeof(d_Date), "%a %b %e"),
-    /* 23 */ rowOf<OdmgTimeOps>("d_Time", sizeof(d_Time), "%I:%M:%S %p"),
-    /* 24 */ rowOf<OdmgTimestampOps>("d_Timestamp", sizeof(d_Timestamp), "%a %b %e %I:%M:%S %p"),
+    /* 22 */ rowOf<OdmgDateOps>("d_Date", sizeof(d_Date), OdmgDateValue::kFormat),
+    /* 23 */ rowOf<OdmgTimeOps>("d_Time", sizeof(d_Time), OdmgTimeValue::kFormat),
+    /* 24 */ rowOf<OdmgTimestampOps>("d_Timestamp", sizeof(d_Timestamp), OdmgTimestampValue::kFormat),
     /* 25 */ intervalRow(),
-    /* 26 */ rowOf<Int64Ops>("KtInt64", sizeof(KtInt64), "%S"),
+    /* 26 */ rowOf<Int64Ops>("KtInt64", sizeof(KtInt64), Int64Value::kFormat),
     /* 27 */ rowOf<BooleanOps>("KtBoolean", sizeof(KtBoolean), "noop"),
     /* 28 */ nullableRow<CharValue>("KtNull_char"),
     /* 29 */ nullableRow<ByteValue>("KtNull_uchar"),
