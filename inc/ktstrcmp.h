@@ -25,6 +25,8 @@ constexpr unsigned short KtCMP_DEFAULT = 65535;
 //   flag: byte order of 16-bit characters, see KtStringIterator.
 //   report: may be null; receives the last primary difference under bit 0x80. Untouched under 0x100, with code set 0 on
 //   both sides, and where nulls or the length 0 decide.
+// Languages of two collation kinds (docs/collation.md): no letter or digit of one text equals one of the other (under
+// 0x100, or kind 20, no character does), and those of the lower kind come first. Within a kind language does not matter.
 // Null texts come first, and before each length; under wildcards a null s1 is compared as the text that it holds. Both
 // with code set 0: byte order, or a match with a pattern of "*" and "?" alone, without escape. Pure.
 KTTM_API long KtStrCmp(unsigned char codeSet1, unsigned char language1, const char* s1, unsigned char codeSet2,

@@ -35,7 +35,8 @@ constexpr int KtERR_END_OF_LIST = -2005;
 // Null:   language 254, or code set 254 with language 0, whatever the text. SetNullValue gives the text up; a null made by
 //         its marks alone keeps its text, and every operation sees that, but for comparison, hash, index keys, printing
 //         and conversion, which know the null.
-// Order:  Compare and the relational operators: KtStrCmp under an operator of the KtCMP_ bits (ktstrcmp.h).
+// Order:  Compare and the relational operators: KtStrCmp under an operator of the KtCMP_ bits (ktstrcmp.h). Texts of two
+//         languages that collate differently have no letter or digit in common: see there.
 // Size:   16 bytes on 64-bit platforms, 8 on 32-bit ones. The block behind buffer is a size class larger than bufferSize,
 //         so that appending one by one costs time in proportion to the text; it is the string's own: characters may be
 //         changed in place, but buffer and bufferSize are never assigned, nor a terminator moved.
@@ -205,6 +206,7 @@ public:
   // the length. Under 0x10 as many characters as the pattern has are compared; without it the pattern, with "*" put behind
   // it, is compared to the end of the text. The "*" is put there always, also where it is no wildcard: under 0x100, behind
   // an escape character, or after SetAsterisk of another character. There the pattern does not match as a beginning.
+  // A character is a pattern in the default language: of another collation kind than the text's it is found nowhere.
   int Find(const KtString& pattern, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(char ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
   int Find(unsigned short ch, unsigned short pos = 0, unsigned short cmpOp = KtCMP_DEFAULT) const;
@@ -214,7 +216,8 @@ public:
   // Negative, 0, positive, as KtStrCmp; at most `length` characters, -1 for whole strings. Under length 0, or below -1,
   // all are equal but nulls.
   long Compare(const KtString& other, short length = -1, unsigned short cmpOp = KtCMP_DEFAULT) const;
-  int EqualsIgnoreLanguage(const KtString& other) const;  // 1 when equal under 0x100 and the common language
+  // 1 when equal under 0x100 and the common language: that of both strings where they have one, else 0.
+  int EqualsIgnoreLanguage(const KtString& other) const;
 
   // --- the rebuild behind every edit ------------------------------------------------------------------------------
   enum class RebuildMode { kOverwrite = 1, kInsert = 2, kRebuild = 3 };

@@ -22,7 +22,8 @@ KtString operator+(Text a, const KtString& b) {
   return kt::isMade(text, a) ? text + b : text;
 }
 
-// Relational operators, 1 or 0: the default compare operator over the whole strings.
+// Relational operators, 1 or 0: the default compare operator over the whole strings. What is no string is compared in the
+// default language, and so equals no text of a language with another collation kind (ktstrcmp.h).
 KTTM_API int operator==(const KtString& a, const KtString& b);
 KTTM_API int operator!=(const KtString& a, const KtString& b);
 KTTM_API int operator<(const KtString& a, const KtString& b);

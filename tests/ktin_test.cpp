@@ -5,7 +5,10 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdio>
+#include <fstream>
 #include <set>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -362,6 +365,18 @@ TEST(Collation, the_kind_depends_on_the_language_only) {
                                                                       : 1;
     EXPECT_EQ(KtUnicodeProps::CollationKind(static_cast<unsigned char>(language)), expected) << language;
   }
+}
+
+TEST(Collation, the_page_lists_the_languages_with_their_kinds) {
+  std::ifstream page(KT_TESTS_DIR "/../docs/collation.md");
+  std::vector<int> listed;
+  for (std::string line; std::getline(page, line);) {
+    int language = 0, kind = 0;
+    if (std::sscanf(line.c_str(), "| %d | %*[^|] | %d |", &language, &kind) != 2) continue;
+    listed.push_back(language);
+    EXPECT_EQ(KtUnicodeProps::CollationKind(static_cast<unsigned char>(language)), kind) << line;
+  }
+  EXPECT_EQ(listed, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 20, 21, 22}));
 }
 
 // ---- language context ----------------------------------------------------------------------------------------------

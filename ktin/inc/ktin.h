@@ -112,7 +112,8 @@ public:
   static constexpr unsigned char kIdeographicKind = 20;  // kinds from here on order by Unicode code
   static constexpr unsigned short kMaxOrders = 3;        // of one character
 
-  // The collation kind of a language: 4 Spanish 2; 5 Swedish 3; 6 Danish 4; 20 to 22 kind 20; every other 1.
+  // The collation kind of a language. docs/collation.md lists the languages by number, 0 to 8 and 20 to 22; every other
+  // number counts as 0.
   static unsigned char CollationKind(unsigned char language);
 
   // Orders of one page of 256 characters: character c of page p has the order
