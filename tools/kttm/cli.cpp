@@ -1,5 +1,7 @@
 #include "cli.h"
 
+#include "files.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iostream>
@@ -9,8 +11,11 @@ namespace {
 
 constexpr char kGuard = '\x01';
 
-std::string unguarded(const std::string& argument) {
-  return !argument.empty() && argument[0] == kGuard ? argument.substr(1) : argument;
+// What the parser would take for something else than a text. It knows "-5" for a number, but not "-.5".
+bool needsGuard(const std::string& argument) {
+  const bool listLike = argument.size() > 1 && argument.front() == '[' && argument.back() == ']';
+  const bool fraction = argument.size() > 2 && argument.compare(0, 2, "-.") == 0;
+  return listLike || fraction || (!argument.empty() && argument[0] == kGuard);
 }
 
 }  // namespace
@@ -19,15 +24,17 @@ std::vector<std::string> guarded(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   bool plain = false;  // behind "--" nothing is an option
   for (const std::string& argument : arguments) {
-    const bool listLike = argument.size() > 1 && argument.front() == '[' && argument.back() == ']';
-    const bool special = plain || listLike || (!argument.empty() && argument[0] == kGuard);
     if (!plain && argument == "--") {
       plain = true;
     } else {
-      result.push_back(special ? kGuard + argument : argument);
+      result.push_back(plain || needsGuard(argument) ? kGuard + argument : argument);
     }
   }
   return result;
+}
+
+std::string unguarded(const std::string& argument) {
+  return !argument.empty() && argument[0] == kGuard ? argument.substr(1) : argument;
 }
 
 std::vector<std::string> texts(const CLI::Option& option) {
@@ -71,15 +78,16 @@ TextOptions TextFlags::options() const {
 
 ReadFlags::ReadFlags(CLI::App& command)
     : format_(addOption(command, "--scan-format FORMAT", "format of the texts (default: the type's own)")),
-      convert_(addFlag(command, "--convert", "read the type's lossless conversion text (dates: day numbers) instead")),
-      lenient_(addFlag(command, "--lenient", "take whatever the type makes of a text, sense or not")),
+      convert_(addFlag(command, "--convert", "read the type's conversion text instead (see kttm decode --help)")),
+      lenient_(
+          addFlag(command, "--lenient", "take whatever the type and the disk format make of a text, sense or not")),
       text_(command) {}
 
 ReadOptions ReadFlags::options() const {
-  return {.format = text(*format_, ""),
-          .converted = convert_->count() > 0,
-          .lenient = lenient_->count() > 0,
-          .text = text_.options()};
+  std::optional<std::string> format;
+  if (format_->count() > 0) format = text(*format_, "");
+  return {
+      .format = format, .converted = convert_->count() > 0, .lenient = lenient_->count() > 0, .text = text_.options()};
 }
 
 CLI::Option* addType(CLI::App& command) {
@@ -91,10 +99,46 @@ CLI::Option* addFormat(CLI::App& command) {
                    "disk format: 0 to 15, or little, big, short-int, memory, host (default: little)");
 }
 
-CLI::Option* addOperator(CLI::App& command) {
-  return addOption(command, "--operator WORDS",
-                   "how texts compare: a number, or words joined by commas out of nocase, nodiacritics, nospaces, "
-                   "nosymbols, binary, wildcards");
+CLI::Option* addOperator(CLI::App& command, const char* words) {
+  const std::string about("how texts compare: a number, or words joined by commas out of ");
+  return addOption(command, "--operator WORDS", (about + words).c_str());
+}
+
+ByteInput::ByteInput(CLI::App& command, const char* name, const char* description)
+    : given_(addList(command, name, description)),
+      hex_(addOption(command, "--hex FILE", "file of hexadecimal text; - is standard input")),
+      in_(addOption(command, "--in FILE", "file of raw bytes; - is standard input")) {
+  hex_->excludes(given_);
+  in_->excludes(given_)->excludes(hex_);
+}
+
+Bytes ByteInput::bytes() const {
+  if (in_->count() > 0) return readBytes(tool::text(*in_, ""));
+  if (given_->count() == 0) return fromHex(readFile(tool::text(*hex_, "-")));
+  std::string all;
+  for (const std::string& part : texts(*given_)) all += part;
+  return fromHex(all);
+}
+
+std::string ByteInput::text() const {
+  if (given_->count() == 0) return readFile(tool::text(*in_, "-"));
+  std::string all;
+  for (const std::string& part : texts(*given_)) all += (all.empty() ? "" : " ") + part;
+  return all;
+}
+
+ByteOutput::ByteOutput(CLI::App& command)
+    : raw_(addFlag(command, "--raw", "write bytes instead of hexadecimal text")),
+      out_(addOption(command, "--out FILE", "write the bytes to this file")) {}
+
+void ByteOutput::writeRaw(const Bytes& bytes) const {
+  if (out_->count() > 0) return writeFile(text(*out_, ""), bytes);
+  writeOutput(bytes);
+}
+
+void ByteOutput::write(const Bytes& bytes) const {
+  if (isRaw()) return writeRaw(bytes);
+  printLine(toHex(bytes));
 }
 
 void printLine(const std::string& line) { std::cout << line << '\n'; }

@@ -2,6 +2,7 @@
 #ifndef KTTM_TOOL_CLI_H
 #define KTTM_TOOL_CLI_H
 
+#include "hex.h"
 #include "reader.h"
 
 #include <CLI/CLI.hpp>
@@ -35,6 +36,7 @@ void addCommand(CLI::App& app, const char* name, const char* description, const 
 // The parser takes "[a,b]" apart into two values, and forgets "--" where a list has begun. So arguments go through
 // guarded() before they are parsed and come back through the functions below: every text arrives as it was typed.
 std::vector<std::string> guarded(const std::vector<std::string>& arguments);
+std::string unguarded(const std::string& argument);
 std::vector<std::string> texts(const CLI::Option& option);          // what was given, one string each
 std::string text(const CLI::Option& option, const char* fallback);  // the only or last one
 
@@ -68,7 +70,35 @@ CLI::Option* addList(CLI::App& command, const char* name, const char* descriptio
 CLI::Option* addFlag(CLI::App& command, const char* name, const char* description);
 CLI::Option* addType(CLI::App& command);
 CLI::Option* addFormat(CLI::App& command);
-CLI::Option* addOperator(CLI::App& command);
+CLI::Option* addOperator(CLI::App& command, const char* words = "nocase, nodiacritics, nospaces, nosymbols or binary");
+
+// Where a command takes bytes from: arguments or files of hexadecimal text, or files of raw bytes.
+class ByteInput {
+public:
+  ByteInput(CLI::App& command, const char* name, const char* description);
+  Bytes bytes() const;
+  // The same but for --hex, taken as text: arguments with blanks between them.
+  std::string text() const;
+  CLI::Option* hexFile() const { return hex_; }
+
+private:
+  CLI::Option* given_;
+  CLI::Option* hex_;
+  CLI::Option* in_;
+};
+
+// Where a command writes bytes to: standard output, as hexadecimal text or raw, or a file.
+class ByteOutput {
+public:
+  explicit ByteOutput(CLI::App& command);
+  bool isRaw() const { return raw_->count() > 0 || out_->count() > 0; }
+  void writeRaw(const Bytes& bytes) const;
+  void write(const Bytes& bytes) const;  // raw where that is asked for
+
+private:
+  CLI::Option* raw_;
+  CLI::Option* out_;
+};
 
 // Prints a line to standard output.
 void printLine(const std::string& line);

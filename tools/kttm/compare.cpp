@@ -18,7 +18,7 @@ struct Compare {
       : type(addType(command)),
         first(addOption(command, "A", "first value")->required()),
         second(addOption(command, "B", "second value; the pattern, when the operator says wildcards")->required()),
-        op(addOperator(command)),
+        op(addOperator(command, "nocase, nodiacritics, nospaces, nosymbols, binary or wildcards")),
         read(command) {}
 
   void run() const {

@@ -1,7 +1,6 @@
 // convert: text from one code set to another.
 #include "cli.h"
 #include "error.h"
-#include "files.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -33,35 +32,29 @@ Bytes packed(const Characters& characters, const KtCodeSet& set) {
 }
 
 struct Convert {
-  CLI::Option* given;
+  ByteInput input;
   CLI::Option* from;
   CLI::Option* to;
-  CLI::Option* in;
   CLI::Option* fromText;
   CLI::Option* toText;
   CLI::Option* lossy;
+  ByteOutput output;
 
   explicit Convert(CLI::App& command)
-      : given(addList(command, "DATA", "the characters, in hexadecimal (default: from standard input)")),
+      : input(command, "DATA", "the characters, in hexadecimal (default: such text from standard input)"),
         from(addOption(command, "--from SET",
                        "code set of the input, by name or number (unicode: 16 bits, most significant byte first)")),
         to(addOption(command, "--to SET", "code set of the output")),
-        in(addOption(command, "--in FILE", "read the input from this file; - is standard input")),
-        fromText(addFlag(command, "--text", "DATA (or the file) is terminal text, put into the --from set first")),
-        toText(addFlag(command, "--print", "print terminal text instead of hexadecimal")),
-        lossy(addFlag(command, "--lossy", "replace characters that a set lacks by 1a and tell how many they were")) {
+        fromText(addFlag(command, "--text",
+                         "DATA, standard input or the file of --in is terminal text, put into the --from set first")),
+        toText(
+            addFlag(command, "--print",
+                    "print terminal text instead of hexadecimal; with --raw or --out without a line end of its own")),
+        lossy(addFlag(command, "--lossy", "replace characters that a set lacks by 1a and tell how many they were")),
+        output(command) {
     from->required();
     to->required();
-    in->excludes(given);
-  }
-
-  std::string input() const {
-    if (given->count() == 0) return readFile(text(*in, "-"));
-    std::string all;
-    for (const std::string& part : texts(*given)) {
-      all += (all.empty() || fromText->count() == 0 ? "" : " ") + part;
-    }
-    return all;
+    fromText->excludes(input.hexFile());
   }
 
   // Unicode characters to `target`; counts what it lacks, or throws where nothing may be lost.
@@ -83,14 +76,23 @@ struct Convert {
     return characters;
   }
 
+  void print(const std::string& result) const {
+    if (output.isRaw()) return output.writeRaw({result.begin(), result.end()});
+    printLine(result);
+  }
+
   void run() const {
     const KtCodeSet& source = KtCodeSet::Get(parseCodeSet(text(*from, "")));
     const KtCodeSet& target = KtCodeSet::Get(parseCodeSet(text(*to, "")));
     unsigned long lost = 0;
     const Characters read =
-        fromText->count() > 0 ? mapped(charactersOf(input()), source, lost) : unpacked(fromHex(input()), source);
+        fromText->count() > 0 ? mapped(charactersOf(input.text()), source, lost) : unpacked(input.bytes(), source);
     const Characters written = mapped(toUnicode(read, source), target, lost);
-    printLine(toText->count() > 0 ? toTerminal(toUnicode(written, target)) : toHex(packed(written, target)));
+    if (toText->count() > 0) {
+      print(toTerminal(toUnicode(written, target)));
+    } else {
+      output.write(packed(written, target));
+    }
     if (lossy->count() > 0) std::fprintf(stderr, "kttm: %lu characters replaced\n", lost);
   }
 };
@@ -100,7 +102,9 @@ const char kConvertExamples[] =
     "  kttm convert --from windows-1252 --to unicode 80e9\n"
     "                                           # 20ac00e9\n"
     "  kttm convert --from unicode --to iso-8859-5 --text Мир\n"
-    "                                           # bcd8e0";
+    "                                           # bcd8e0\n"
+    "A file:\n"
+    "  kttm convert --from iso-8859-1 --to unicode --in FILE --out FILE";
 
 }  // namespace
 

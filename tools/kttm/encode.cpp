@@ -1,7 +1,6 @@
 // encode: texts to the bytes of a run in a disk format.
 #include "cli.h"
 #include "error.h"
-#include "files.h"
 
 namespace tool {
 namespace {
@@ -11,8 +10,7 @@ struct Encode {
   CLI::Option* values;
   CLI::Option* format;
   CLI::Option* each;
-  CLI::Option* raw;
-  CLI::Option* out;
+  ByteOutput output;
   ReadFlags read;
 
   explicit Encode(CLI::App& command)
@@ -20,28 +18,21 @@ struct Encode {
         values(addList(command, "VALUE", "texts of the values")->required()),
         format(addFormat(command)),
         each(addFlag(command, "--each", "one line a value, each as a run of its own")),
-        raw(addFlag(command, "--raw", "write bytes instead of hexadecimal text")),
-        out(addOption(command, "--out FILE", "write the bytes to this file")),
+        output(command),
         read(command) {}
 
   void run() const {
-    const Reader reader(parseType(text(*type, "")), read.options());
+    const Type which = parseType(text(*type, ""));
+    const ReadOptions options = read.options();
     const unsigned char code = parseFormat(text(*format, "little"));
-    const Values run = reader.readAll(texts(*values));
+    const Values run = Reader(which, options).readAll(texts(*values));
+    if (!options.lenient) requireKept(which, run, code);
     if (each->count() > 0) return printEach(run, code);
-    const Bytes bytes = stored(run.id(), run.at(0), code, run.count());
-    if (out->count() > 0) {
-      writeFile(text(*out, ""), bytes);
-    } else if (raw->count() > 0) {
-      writeOutput(bytes);
-    } else {
-      printLine(toHex(bytes));
-    }
+    output.write(stored(run.id(), run.at(0), code, run.count()));
   }
 
   void printEach(const Values& run, unsigned char code) const {
-    if (out->count() > 0 || raw->count() > 0)
-      throw Error("--each prints lines of hexadecimal text: not --raw or --out");
+    if (output.isRaw()) throw Error("--each prints lines of hexadecimal text: not --raw or --out");
     for (unsigned long i = 0; i < run.count(); ++i) printLine(toHex(stored(run.id(), run.at(i), code, 1)));
   }
 };

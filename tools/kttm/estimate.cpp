@@ -1,6 +1,7 @@
 // estimate: the share of an index that a comparison selects, and the keys that bound the scan.
 #include "cli.h"
 #include "error.h"
+#include "offers.h"
 
 #include <algorithm>
 #include <charconv>
@@ -26,7 +27,14 @@ unsigned short parseComparison(const std::string& text) {
   for (const Comparison& comparison : kComparisons) {
     if (text == comparison.text) return comparison.flags;
   }
-  throw Error("unknown comparison \"" + text + "\"; known are =, <, <=, >, >= and !=");
+  throw Error("unknown comparison " + quoted(text) + "; known are =, <, <=, >, >= and !=");
+}
+
+void requireEstimate(const Type& type) {
+  for (const Offer& offer : offersOf(type)) {
+    if (offer.offered || offer.operation != std::string("EvalAndBound")) continue;
+    throw Error(type.name + " offers no estimate: " + offer.reason);
+  }
 }
 
 // The value's bytes in an index, at most as many as a key has there.
@@ -71,38 +79,47 @@ struct Estimate {
         read(command) {}
 
   // Empty unless both ends are given.
-  std::vector<Bytes> range(const Reader& reader, unsigned char form) const {
+  std::vector<Bytes> range(const Type& which, const Reader& reader, unsigned char form) const {
     if (low->count() != high->count()) throw Error("a range has a lowest and a highest key");
-    if (low->count() == 0) return {};
-    return {indexKey(reader.readAll({text(*low, "")}), form), indexKey(reader.readAll({text(*high, "")}), form)};
+    std::vector<Bytes> ends;
+    if (low->count() == 0) return ends;
+    for (const CLI::Option* end : {low, high}) {
+      ends.push_back(indexKey(readKept(which, reader, {text(*end, "")}, form), form));
+    }
+    return ends;
+  }
+
+  Values readKept(const Type& which, const Reader& reader, const std::vector<std::string>& from,
+                  unsigned char form) const {
+    Values values = reader.readAll(from);
+    if (!read.options().lenient) requireKept(which, values, form);
+    return values;
   }
 
   // A key of fixed size is stored values, as many as it holds whole; others only the index can read.
-  std::string shown(const Type& which, Bytes bytes, unsigned char form) const {
+  static std::string shown(const Type& which, const Reader& reader, Bytes bytes, unsigned char form) {
     std::string line = toHex(bytes);
     if (!which.fixed) return line;
     const unsigned long size = manager().DiskLenGet(which.id, nullptr, form, 1, kMemoryForm);
-    const ReadOptions options = read.options();
-    const char* own = options.format.empty() ? nullptr : options.format.c_str();
     const Values values(which, bytes.size() / size);
     manager().Load(which.id, values.at(0), bytes.data(), form, values.count());
-    for (unsigned long i = 0; i < values.count(); ++i)
-      line += ' ' + printed(which, values.at(i), own, options.converted);
+    for (unsigned long i = 0; i < values.count(); ++i) line += ' ' + visible(reader.shown(values.at(i)));
     return line;
   }
 
-  void printBound(const char* name, const Type& which, const unsigned char* bytes, std::size_t length,
-                  unsigned char form) const {
-    printLine(name + (bytes == nullptr ? "none" : shown(which, Bytes(bytes, bytes + length), form)));
+  // Without a range most types answer 0, which then says nothing.
+  static void printShare(float share, bool known) {
+    printLine("selects " + (known || share > 0 ? shortest(share) : "unknown without --low and --high"));
   }
 
   void run() const {
     const Type which = parseType(text(*type, ""));
     const unsigned char form = parseFormat(text(*format, "little"));
     const Reader reader(which, read.options());
-    const Values keys = reader.readAll(texts(*key));
+    requireEstimate(which);
+    const Values keys = readKept(which, reader, texts(*key), form);
     Bytes stored = tool::stored(which.id, keys.at(0), form, keys.count());
-    std::vector<Bytes> ends = range(reader, form);
+    std::vector<Bytes> ends = range(which, reader, form);
     KtIdxBounds known;
     if (!ends.empty()) {
       known = {ends[0].data(), ends[1].data(), static_cast<unsigned char>(ends[0].size()),
@@ -112,9 +129,12 @@ struct Estimate {
     Bounds bounds;
     const float share = manager().EvalAndBound(which.id, ends.empty() ? nullptr : &known, flags, stored.data(), form,
                                                keys.count(), &bounds, nullptr);
-    printLine("selects " + shortest(share));
-    printBound("from    ", which, bounds.lowKey, bounds.lowKeyLength, form);
-    printBound("to      ", which, bounds.highKey, bounds.highKeyLength, form);
+    const auto printBound = [&](const char* name, const unsigned char* bytes, std::size_t length) {
+      printLine(name + (bytes == nullptr ? "none" : shown(which, reader, Bytes(bytes, bytes + length), form)));
+    };
+    printShare(share, !ends.empty());
+    printBound("from    ", bounds.lowKey, bounds.lowKeyLength);
+    printBound("to      ", bounds.highKey, bounds.highKeyLength);
   }
 };
 

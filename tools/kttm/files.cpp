@@ -1,10 +1,12 @@
 #include "files.h"
 
 #include "error.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +18,14 @@ namespace {
 
 std::string readAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
 
+std::string named(const std::string& path) { return '"' + visible(path) + '"'; }
+
+std::string readInput() {
+  std::string text = readAll(std::cin);
+  if (std::cin.bad() || std::ferror(stdin) != 0) throw Error("cannot read standard input");
+  return text;
+}
+
 void writeTo(std::ostream& out, const Bytes& bytes) {
   out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
@@ -23,14 +33,14 @@ void writeTo(std::ostream& out, const Bytes& bytes) {
 }  // namespace
 
 std::string readFile(const std::string& path) {
-  if (path == "-") return readAll(std::cin);
+  if (path == "-") return readInput();
   std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) throw Error("\"" + path + "\" is a directory");
+  if (std::filesystem::is_directory(path, ignored)) throw Error(named(path) + " is a directory");
   errno = 0;
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw Error("cannot read \"" + path + "\": " + std::strerror(errno));
+  if (!in) throw Error("cannot read " + named(path) + ": " + std::strerror(errno));
   std::string text = readAll(in);
-  if (in.bad()) throw Error("cannot read \"" + path + "\" to its end");
+  if (in.bad()) throw Error("cannot read " + named(path) + " to its end");
   return text;
 }
 
@@ -52,10 +62,10 @@ std::vector<std::string> splitLines(const std::string& text) {
 void writeFile(const std::string& path, const Bytes& bytes) {
   errno = 0;
   std::ofstream out(path, std::ios::binary);
-  if (!out) throw Error("cannot write \"" + path + "\": " + std::strerror(errno));
+  if (!out) throw Error("cannot write " + named(path) + ": " + std::strerror(errno));
   writeTo(out, bytes);
   out.close();
-  if (!out) throw Error("cannot write all of \"" + path + "\"");
+  if (!out) throw Error("cannot write all of " + named(path));
 }
 
 void writeOutput(const Bytes& bytes) { writeTo(std::cout, bytes); }

@@ -1,6 +1,5 @@
 // key: the index keys of texts, which sort as bytes from offset 4 on.
 #include "cli.h"
-#include "error.h"
 
 namespace tool {
 namespace {
@@ -22,14 +21,12 @@ struct Key {
 
   unsigned long roomOf(void* value, unsigned char form) const {
     if (size->count() == 0) return storedSize(KT_ID_KtString, value, form, 1);
-    const unsigned long room = parseNumber(text(*size, ""), kLargestKey, "size of a key");
-    if (room < kSmallestKey) throw Error("the smallest key has " + std::to_string(kSmallestKey) + " bytes");
-    return room;
+    return parseNumber(text(*size, ""), kSmallestKey, kLargestKey, "size of a key");
   }
 
   void run() const {
     const Reader reader(typeOf(KT_ID_KtString),
-                        {.format = "", .converted = false, .lenient = false, .text = flags.options()});
+                        {.format = std::nullopt, .converted = false, .lenient = false, .text = flags.options()});
     const Values values = reader.readAll(texts(*given));
     const auto form = static_cast<unsigned char>(kIndexKey | parseFormat(text(*format, "little")));
     for (unsigned long i = 0; i < values.count(); ++i) {

@@ -53,16 +53,51 @@ int fail(const char* message) {
   return kFailed;
 }
 
+// "help" and "help COMMAND" are the options of that name.
+std::vector<std::string> withoutHelp(std::vector<std::string> arguments) {
+  if (arguments.empty() || arguments[0] != "help" || arguments.size() > 2) return arguments;
+  arguments.erase(arguments.begin());
+  arguments.push_back("--help");
+  return arguments;
+}
+
+// The parser has one message for all that stands in the place of a command.
+void requireCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty()) throw tool::Error("a command is wanted; `kttm --help` lists them");
+  const std::string& first = arguments[0];
+  const bool isOption = !first.empty() && first[0] == '-';
+  const auto isMeant = [&](const CLI::App* command) { return command->get_name() == first; };
+  if (first == "-h" || first == "--help" || first == "--version" || !app.get_subcommands(isMeant).empty()) return;
+  throw tool::Error((isOption ? "unknown option " : "unknown command ") + tool::quoted(first) +
+                    "; `kttm --help` lists " + (isOption ? "those that there are" : "the commands"));
+}
+
+// Arguments that are left over are told first: what is missing may be among them.
+std::string messageFor(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> left = app.remaining(true);
+  const auto isOption = [](const std::string& argument) { return !argument.empty() && argument[0] == '-'; };
+  const auto option = std::find_if(left.begin(), left.end(), isOption);
+  if (option != left.end()) {
+    return "unknown option " + tool::quoted(*option) + "; a value that begins with - stands behind --";
+  }
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) && !left.empty()) {
+    return "one argument too many: " + tool::quoted(tool::unguarded(left.front()));
+  }
+  return tool::visible(error.what());
+}
+
 int run(int argc, char** argv) {
   CLI::App app(kAbout, "kttm");
   addCommands(app);
-  std::vector<std::string> arguments = tool::guarded({argv + std::min(argc, 1), argv + argc});
+  const std::vector<std::string> given = withoutHelp({argv + std::min(argc, 1), argv + argc});
+  requireCommand(app, given);
+  std::vector<std::string> arguments = tool::guarded(given);
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
   try {
     app.parse(arguments);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);  // help and version
-    return fail(error.what());
+    return fail(messageFor(app, error).c_str());
   }
   return std::cout.flush() ? 0 : fail("cannot write to standard output");
 }

@@ -1,6 +1,7 @@
 #include "names.h"
 
 #include "error.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <charconv>
@@ -40,9 +41,9 @@ std::string listed(const std::vector<Name>& names) {
 
 unsigned parseNamed(const std::vector<Name>& names, const std::string& text, unsigned long greatest,
                     const std::string& what) {
-  if (isNumber(text)) return static_cast<unsigned>(parseNumber(text, greatest, what));
+  if (isNumber(text)) return static_cast<unsigned>(parseNumber(text, 0, greatest, what));
   if (const auto value = find(names, text)) return *value;
-  throw Error("unknown " + what + " \"" + text + "\"; known are " + listed(names) + " and the numbers 0 to " +
+  throw Error("unknown " + what + " " + quoted(text) + "; known are " + listed(names) + " and the numbers 0 to " +
               std::to_string(greatest));
 }
 
@@ -67,7 +68,7 @@ const std::vector<Name>& codeSetNames() {
     const std::string name = manager().NameGet(static_cast<char>(id), nullptr);
     if (simplified(name) == simplified(text)) hint = "is it " + name + "?";
   }
-  throw Error("unknown type \"" + text + "\"; " + hint);
+  throw Error("unknown type " + quoted(text) + "; " + hint);
 }
 
 }  // namespace
@@ -92,19 +93,21 @@ Type typeOf(int id) {
 }
 
 Type parseType(const std::string& text) {
-  if (isNumber(text)) return typeOf(static_cast<int>(parseNumber(text, KtTYPE_COUNT - 1, "type id")));
+  if (isNumber(text)) return typeOf(static_cast<int>(parseNumber(text, 0, KtTYPE_COUNT - 1, "type id")));
   char id = 0;
   if (manager().Name2KtTypeId(text.c_str(), id) != 0) throwUnknownType(text);
   return typeOf(id);
 }
 
-unsigned long parseNumber(const std::string& text, unsigned long greatest, const std::string& what) {
+unsigned long parseNumber(const std::string& text, unsigned long least, unsigned long greatest,
+                          const std::string& what) {
   const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
   const char* const end = text.data() + text.size();
   unsigned long value = 0;
   const auto result = std::from_chars(text.data() + (hex ? 2 : 0), end, value, hex ? 16 : 10);
-  if (result.ec != std::errc() || result.ptr != end || value > greatest) {
-    throw Error("\"" + text + "\" is no " + what + ": a number from 0 to " + std::to_string(greatest) + " is wanted");
+  if (result.ec != std::errc() || result.ptr != end || value < least || value > greatest) {
+    throw Error(quoted(text) + " is no " + what + ": a number from " + std::to_string(least) + " to " +
+                std::to_string(greatest) + " is wanted");
   }
   return value;
 }
@@ -147,7 +150,7 @@ unsigned char parseCodeSet(const std::string& text) {
 
 unsigned short parseOperator(const std::string& text) {
   constexpr unsigned kGreatest = 65535;
-  if (isNumber(text)) return static_cast<unsigned short>(parseNumber(text, kGreatest, "compare operator"));
+  if (isNumber(text)) return static_cast<unsigned short>(parseNumber(text, 0, kGreatest, "compare operator"));
   unsigned op = KtCMP_NO_WILDCARDS;
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t comma = std::min(text.find(',', at), text.size());
@@ -160,6 +163,12 @@ unsigned short parseOperator(const std::string& text) {
 
 std::string codeSetTitle(unsigned char code) {
   return std::string(KtCodeSet::Get(code).Name()) + " (" + std::to_string(code) + ")";
+}
+
+std::string formatTitle(unsigned char code) {
+  const std::vector<Name>& names = formatNames();
+  const auto found = std::find_if(names.begin(), names.end(), [&](const Name& name) { return name.value == code; });
+  return std::to_string(code) + (found == names.end() ? "" : " (" + std::string(found->text) + ")");
 }
 
 }  // namespace tool

@@ -27,7 +27,8 @@ Type typeOf(int id);
 Type parseType(const std::string& text);
 
 // Decimal, or hexadecimal after "0x"; `what` names the thing in the error.
-unsigned long parseNumber(const std::string& text, unsigned long greatest, const std::string& what);
+unsigned long parseNumber(const std::string& text, unsigned long least, unsigned long greatest,
+                          const std::string& what);
 
 struct Name {
   const char* text;
@@ -45,6 +46,8 @@ unsigned short parseOperator(const std::string& text);
 
 // "ISO 8859-1 (1)".
 std::string codeSetTitle(unsigned char code);
+// "4 (short-int)", or the number alone.
+std::string formatTitle(unsigned char code);
 
 }  // namespace tool
 

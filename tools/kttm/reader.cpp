@@ -68,6 +68,11 @@ bool sameNumber(const std::string& text, const std::string& shown) {
                      [&](const auto& reading) { return reading && std::fabs(*reading - *value) <= slack; });
 }
 
+bool isNegative(const std::string& text) {
+  const std::optional<double> value = realOf(text);
+  return value && *value < 0;
+}
+
 // A value that scanning is tried on. Fixed-length values are filled with `byte`; handles cannot be, so they get what
 // the type's conversion makes of that byte as a number.
 Values trialValue(const Type& type, unsigned char byte) {
@@ -81,8 +86,11 @@ constexpr unsigned char kTrialBytes[] = {0x00, 0xFF};
 
 }  // namespace
 
-Reader::Reader(const Type& type, ReadOptions options) : type_(type), options_(std::move(options)) {
+Reader::Reader(const Type& type, ReadOptions options)
+    : type_(type), options_(std::move(options)), format_(options_.format ? formatFrom(*options_.format) : type.format) {
   requireValues(type_);
+  // The library compares a format with 8-bit text byte by byte: both are in the default code set, where the text fits.
+  if (type_.fixed) options_.text.codeSet.reset();
   if (options_.converted) return;
   Values value = trialValue(type_, kTrialBytes[0]);
   KtString text("?");
@@ -104,7 +112,7 @@ void Reader::read(const std::string& text, void* target) const {
     scan(text, target);
   }
   if (options_.lenient || tellsTheSame(text, target) || isOwnWord(text, target)) return;
-  refuse(text, printed(type_, target, format(), options_.converted));
+  refuse(text, shown(target));
 }
 
 void Reader::scan(const std::string& text, void* target) const {
@@ -130,20 +138,27 @@ bool Reader::scanDecides(const std::string& text) const {
 }
 
 bool Reader::tellsTheSame(const std::string& text, void* value) const {
-  const std::string shown = printed(type_, value, format(), options_.converted);
-  if (text == shown || normalised(text) == normalised(shown) || sameNumber(text, shown)) return true;
+  const std::string print = shown(value);
+  return text == print || normalised(text) == normalised(print) || sameNumber(text, print) || saysNumber(text, value);
+}
+
+// The conversion of an unsigned number is that of the signed one of the same bits: only where its sign is that of the
+// print does it say what the value is.
+bool Reader::saysNumber(const std::string& text, void* value) const {
+  const std::string print = printed(type_, value, nullptr, false);
+  if (sameNumber(text, print)) return true;
   const std::optional<std::string> conversion = conversionOf(type_, value);
-  return conversion && sameNumber(text, *conversion);
+  return conversion && isNegative(*conversion) == isNegative(print) && sameNumber(text, *conversion);
 }
 
 bool Reader::isOwnWord(const std::string& text, void* value) const {
-  if (options_.converted || std::strchr(format(), '%') != nullptr) return false;
+  if (options_.converted || std::strchr(format(), '%') != nullptr || realOf(shown(value))) return false;
   return text == "0" || stored(type_.id, value, kAnyDiskForm, 1) != nonsense_;
 }
 
 void Reader::refuse(const std::string& text, const std::string& becomes) const {
   std::string message = type_.name + " cannot read " + quoted(text);
-  if (!options_.converted) message += " under the format " + quoted(format());
+  if (!options_.converted) message += " under the format " + quoted(options_.format.value_or(type_.format));
   if (!becomes.empty()) message += ": it would become " + quoted(becomes) + " (--lenient takes that)";
   throw Error(message);
 }

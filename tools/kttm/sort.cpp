@@ -99,8 +99,8 @@ struct Sort {
     return static_cast<unsigned short>(bits == KtCMP_DEFAULT ? KtCMP_NO_WILDCARDS : bits | KtCMP_NO_WILDCARDS);
   }
 
-  Values readLines(const Type& which, const std::vector<std::string>& lines, const ValueOrder& order) const {
-    const Reader reader(which, read.options());
+  static Values readLines(const Type& which, const std::vector<std::string>& lines, const Reader& reader,
+                          const ValueOrder& order) {
     const Placeable placeable(which, order);
     Values values(which, lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -118,11 +118,11 @@ struct Sort {
 
   void run() const {
     const Type which = parseType(text(*type, ""));
-    requireValues(which);
+    const Reader reader(which, read.options());
     const ValueOrder compare(which, orderOperator());
     const std::vector<std::string> lines = splitLines(readFile(text(*file, "-")));
     if (lines.empty()) return;
-    const Values values = readLines(which, lines, compare);
+    const Values values = readLines(which, lines, reader, compare);
     const int before = reverse->count() > 0 ? 1 : -1;
     const auto order = [&](unsigned long a, unsigned long b) { return compare(values.at(a), values.at(b)); };
     Indexes indexes(lines.size());

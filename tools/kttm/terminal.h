@@ -23,13 +23,20 @@ struct TextOptions {
 KtString fromTerminal(const std::string& text, const TextOptions& options);
 std::string toTerminal(const KtString& text);
 
-// The same as 16-bit character codes, in texts of any length.
+// The same as 16-bit character codes, in texts of any length; zero characters pass.
 std::vector<unsigned short> charactersOf(const std::string& text);
 std::string toTerminal(const std::vector<unsigned short>& characters);
 
-std::string codePoint(unsigned short character);  // "U+00E9"
+// A print or scan format as the library takes it: 8-bit characters of the default code set. Throws Error as above.
+std::string formatFrom(const std::string& text);
 
-// "..." around a text for a message, cut when it is long.
+std::string codePoint(char32_t character);  // "U+00E9"
+
+// A text with nothing in it that a terminal would act on, but for tabs: a line end becomes \n, other control characters
+// and bytes that are no UTF-8 become \x1b, control characters of two bytes \u009b.
+std::string visible(const std::string& text);
+
+// "..." around a visible text for a message, cut when it is long.
 std::string quoted(const std::string& text);
 
 }  // namespace tool

@@ -47,6 +47,21 @@ Bytes stored(char id, void* values, unsigned char format, unsigned long count) {
   return bytes;
 }
 
+void requireKept(const Type& type, const Values& values, unsigned char format) {
+  if (!type.fixed || values.count() == 0) return;  // handles are stored whole in every format
+  Bytes bytes = stored(type.id, values.at(0), format, values.count());
+  const Values back(type, values.count());
+  manager().Load(type.id, back.at(0), bytes.data(), format, values.count());
+  const auto widest = [&](const Values& of, unsigned long i) { return stored(type.id, of.at(i), kAnyDiskForm, 1); };
+  const auto isNull = [&](const Values& of, unsigned long i) { return manager().IsNullValue(type.id, of.at(i)) != 0; };
+  for (unsigned long i = 0; i < values.count(); ++i) {
+    if (widest(values, i) == widest(back, i) || (isNull(values, i) && isNull(back, i))) continue;
+    throw Error(type.name + " " + quoted(printed(type, values.at(i), nullptr, false)) + " does not fit in format " +
+                formatTitle(format) + ": it would come back as " + quoted(printed(type, back.at(i), nullptr, false)) +
+                " (--lenient takes that)");
+  }
+}
+
 std::optional<std::string> conversionOf(const Type& type, void* value) {
   const std::unique_ptr<KtTypeConvertData> holder(manager().ConvertTo(type.id, value, 1));
   const KtString* text = holder == nullptr ? nullptr : holder->GetString(0);

@@ -44,10 +44,13 @@ void requireValues(const Type& type);
 unsigned long storedSize(char id, void* values, unsigned char format, unsigned long count);
 Bytes stored(char id, void* values, unsigned char format, unsigned long count);
 
+// Throws Error for the first value that would not come back as it is from that disk format.
+void requireKept(const Type& type, const Values& values, unsigned char format);
+
 // The text of the type's string conversion, where it offers one.
 std::optional<std::string> conversionOf(const Type& type, void* value);
 
-// One value as terminal text. A null format stands for the type's own; converted: the text of its string conversion.
+// One value as terminal text. The format is one of the library (formatFrom()), null stands for the type's own; converted: the text of its string conversion.
 std::string printed(const Type& type, void* value, const char* format, bool converted);
 
 // Narrows the result of the type's compare function to -1, 0, 1; both values in that format.
