@@ -11,12 +11,16 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 namespace tool {
 namespace {
 
-std::string readAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
+std::string readAll(std::istream& in) {
+  std::string all;
+  char part[1 << 16];
+  while (in.read(part, sizeof part), in.gcount() > 0) all.append(part, static_cast<std::size_t>(in.gcount()));
+  return all;
+}
 
 std::string named(const std::string& path) { return '"' + visible(path) + '"'; }
 

@@ -96,8 +96,8 @@ int run(int argc, char** argv) {
   try {
     app.parse(arguments);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);  // help and version
-    return fail(messageFor(app, error).c_str());
+    if (error.get_exit_code() != 0) return fail(messageFor(app, error).c_str());
+    app.exit(error);  // prints help or version
   }
   return std::cout.flush() ? 0 : fail("cannot write to standard output");
 }
