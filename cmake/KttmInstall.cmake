@@ -1,4 +1,5 @@
-# cmake --install: headers, libraries, tool, the CMake package (find_package(kttm)) and the pkg-config file.
+# cmake --install: headers, libraries, tool, the CMake package (find_package(kttm)), the pkg-config files, one a library,
+# and the pages that the headers point to.
 include(CMakePackageConfigHelpers)
 
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
@@ -21,5 +22,12 @@ install(FILES "${PROJECT_BINARY_DIR}/kttmConfig.cmake" "${PROJECT_BINARY_DIR}/kt
 
 file(RELATIVE_PATH KTTM_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" KTTM_PC_TO_PREFIX "${KTTM_PC_TO_PREFIX}")
-configure_file(cmake/kttm.pc.in kttm.pc @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/kttm.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+function(kttm_install_pkg_config library description requires)
+  configure_file(cmake/library.pc.in ${library}.pc @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${library}.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+kttm_install_pkg_config(ktbs "Base services of an object database" "")
+kttm_install_pkg_config(ktin "Code sets, languages and collation of an object database" "")
+kttm_install_pkg_config(kttm "${PROJECT_DESCRIPTION}" "ktin ktbs")
+
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING PATTERN "*.md")

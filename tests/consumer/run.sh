@@ -42,10 +42,22 @@ expect_output "$scratch/cmake/consumer"
 
 export PKG_CONFIG_PATH=$library_dir/pkgconfig
 read -ra flags < <(pkg-config --cflags --libs kttm)
-"$compiler" -std=c++20 "$here/consumer.cpp" -o "$scratch/by_pkg_config" "${flags[@]}"
-export LD_LIBRARY_PATH=$library_dir
+"$compiler" -std=c++20 "$here/consumer.cpp" -o "$scratch/by_pkg_config" "${flags[@]}" -Wl,-rpath,"$library_dir"
 expect_output "$scratch/by_pkg_config"
-unset LD_LIBRARY_PATH
+
+# A library below, by itself: its own file is all that it takes, and it needs none of the others.
+for call in 'ktbs "ktbs.h" LongNullSizeGet(1)==4' 'ktin "ktin.h" KtCodeSet::Get(2).Code()==2'; do
+  read -r library header condition <<<"$call"
+  read -ra flags < <(pkg-config --cflags --libs "$library")
+  printf '#include %s\nint main() { return %s ? 0 : 1; }\n' "$header" "$condition" |
+    "$compiler" -std=c++20 -x c++ - -o "$scratch/$library" "${flags[@]}" -Wl,-rpath,"$library_dir"
+  "$scratch/$library" || fail "$library by pkg-config: exit status $?"
+done
+
+# Each page that a header points to.
+while read -r page; do
+  find "$prefix" -path "*/$page" | grep -q . || fail "headers point to $page, which is not installed"
+done < <(grep -ohE 'docs/[A-Za-z/-]+(\.md)?' "$prefix"/include/*.h | sort -u)
 
 read -ra flags < <(pkg-config --cflags kttm)
 for header in "$prefix"/include/*.h; do
