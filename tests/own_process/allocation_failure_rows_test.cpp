@@ -333,8 +333,7 @@ const char* problemOf(Kind kind, const Images& found, const Expected& expected, 
 }
 
 // The same values, without a failure, after one.
-bool goesInTheNextTry(Scene& scene, const Operation& operation, const Expected& expected) {
-  const Scene fresh(scene.row, scene.count);
+bool goesInTheNextTry(Scene& scene, const Scene& fresh, const Operation& operation, const Expected& expected) {
   scene.dropResults();
   scene.filled = fresh.filled;  // some had the room
   scene.joined = fresh.joined;
@@ -342,19 +341,20 @@ bool goesInTheNextTry(Scene& scene, const Operation& operation, const Expected& 
   return resultOf(scene) == expected.after;
 }
 
-Outcome tryTwice(const Row& row, const Operation& operation, const Expected& expected, unsigned long count,
-                 unsigned long number, Fail mode) {
-  Scene scene(row, count);
+Outcome tryTwice(const Scene& fresh, const Operation& operation, const Expected& expected, unsigned long number,
+                 Fail mode) {
+  Scene scene(fresh.row, fresh.count);
   FailingAllocations failing(number, mode);
   operation.run(scene);
   failing.stop();
   Outcome outcome{failing.hasFailed(), problemOf(operation.kind, resultOf(scene), expected, failing)};
-  if (outcome.problem == nullptr && !goesInTheNextTry(scene, operation, expected))
+  if (outcome.problem == nullptr && !goesInTheNextTry(scene, fresh, operation, expected))
     outcome.problem = "differs in the next try";
   return outcome;
 }
 
 void check(const Row& row, const Operation& operation, unsigned long count) {
+  const Scene fresh(row, count);
   const Expected expected = expectedOf(row, operation, count);
   const auto fail = [&](const char* problem, unsigned long number, Fail mode) {
     ADD_FAILURE() << row.stem << " " << operation.name << " of " << count << ", allocation " << number
@@ -364,7 +364,7 @@ void check(const Row& row, const Operation& operation, unsigned long count) {
     bool isDone = false;
     for (unsigned long number = 1; !isDone; ++number) {
       const long live = kt_test::liveBlocks();
-      const Outcome outcome = tryTwice(row, operation, expected, count, number, mode);
+      const Outcome outcome = tryTwice(fresh, operation, expected, number, mode);
       if (kt_test::liveBlocks() != live) fail("leaks", number, mode);
       if (outcome.problem != nullptr) fail(outcome.problem, number, mode);
       isDone = !outcome.hasFailed;

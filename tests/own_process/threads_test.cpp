@@ -27,7 +27,7 @@ using namespace kt_laws;
 
 constexpr unsigned kThreads = 8;
 // How often everything is done: about a second's worth, or some ten where accesses to memory are watched.
-#if defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
 constexpr unsigned kRowRounds = 8, kTextRounds = 3;
 #else
 constexpr unsigned kRowRounds = 24, kTextRounds = 16;
