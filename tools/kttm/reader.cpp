@@ -73,6 +73,14 @@ bool isNegative(const std::string& text) {
   return value && *value < 0;
 }
 
+// The type's conversion, where it says what the value is: that of an unsigned number is the signed one of the same bits,
+// whose sign may not be that of the print.
+std::optional<std::string> trueConversion(const Type& type, void* value) {
+  std::optional<std::string> conversion = conversionOf(type, value);
+  if (conversion && isNegative(*conversion) != isNegative(printed(type, value, nullptr, false))) conversion.reset();
+  return conversion;
+}
+
 // A value that scanning is tried on. Fixed-length values are filled with `byte`; handles cannot be, so they get what
 // the type's conversion makes of that byte as a number.
 Values trialValue(const Type& type, unsigned char byte) {
@@ -112,7 +120,8 @@ void Reader::read(const std::string& text, void* target) const {
     scan(text, target);
   }
   if (options_.lenient || tellsTheSame(text, target) || isOwnWord(text, target)) return;
-  refuse(text, shown(target));
+  refuse(text, options_.converted ? trueConversion(type_, target).value_or(printed(type_, target, nullptr, false))
+                                  : shown(target));
 }
 
 void Reader::scan(const std::string& text, void* target) const {
@@ -142,13 +151,10 @@ bool Reader::tellsTheSame(const std::string& text, void* value) const {
   return text == print || normalised(text) == normalised(print) || sameNumber(text, print) || saysNumber(text, value);
 }
 
-// The conversion of an unsigned number is that of the signed one of the same bits: only where its sign is that of the
-// print does it say what the value is.
 bool Reader::saysNumber(const std::string& text, void* value) const {
-  const std::string print = printed(type_, value, nullptr, false);
-  if (sameNumber(text, print)) return true;
-  const std::optional<std::string> conversion = conversionOf(type_, value);
-  return conversion && isNegative(*conversion) == isNegative(print) && sameNumber(text, *conversion);
+  if (sameNumber(text, printed(type_, value, nullptr, false))) return true;
+  const std::optional<std::string> conversion = trueConversion(type_, value);
+  return conversion && sameNumber(text, *conversion);
 }
 
 bool Reader::isOwnWord(const std::string& text, void* value) const {

@@ -46,6 +46,19 @@ std::optional<Sequence> sequenceAt(const std::string& text, std::size_t at) {
   return Sequence{character, size};
 }
 
+// What a terminal would act on; a tab is only room.
+bool isControl(char32_t character) {
+  return (character < 0x20 && character != '\t') || (character >= 0x7F && character < 0xA0);
+}
+
+// For a control character, or a byte, that takes so many bytes.
+std::string escapeOf(char32_t character, std::size_t size) {
+  if (character == '\n') return "\\n";
+  char escape[16];
+  std::snprintf(escape, sizeof escape, size == 1 ? "\\x%02x" : "\\u%04x", static_cast<unsigned>(character));
+  return escape;
+}
+
 // The decoder would say no place, and cut what is beyond 16 bits to its low ones.
 void requireCharacters(const std::string& text) {
   for (std::size_t at = 0; at < text.size();) {
@@ -153,15 +166,11 @@ std::string visible(const std::string& text) {
   std::string result;
   for (std::size_t at = 0; at < text.size();) {
     const std::optional<Sequence> next = sequenceAt(text, at);
-    const char32_t character = next ? next->character : static_cast<unsigned char>(text[at]);
-    const bool control = (character < 0x20 && character != '\t') || (character >= 0x7F && character < 0xA0);
     const std::size_t size = next ? next->size : 1;
-    char escape[8];
-    std::snprintf(escape, sizeof escape, size == 1 ? "\\x%02x" : "\\u%04x", static_cast<unsigned>(character) & 0xFFFFU);
-    if (character == '\n') {
-      result += "\\n";
+    if (next && !isControl(next->character)) {
+      result += text.substr(at, size);
     } else {
-      result += !next || control ? escape : text.substr(at, size);
+      result += escapeOf(next ? next->character : static_cast<unsigned char>(text[at]), size);
     }
     at += size;
   }
