@@ -50,7 +50,8 @@ void requireKept(const Type& type, const Values& values, unsigned char format);
 // The text of the type's string conversion, where it offers one.
 std::optional<std::string> conversionOf(const Type& type, void* value);
 
-// One value as terminal text. The format is one of the library (formatFrom()), null stands for the type's own; converted: the text of its string conversion.
+// One value as terminal text. The format is one that the library takes (formatFrom()), null stands for the type's own;
+// converted: the text of its string conversion.
 std::string printed(const Type& type, void* value, const char* format, bool converted);
 
 // Narrows the result of the type's compare function to -1, 0, 1; both values in that format.
