@@ -2,6 +2,7 @@
 #ifndef KT_HEX_VECTORS_H
 #define KT_HEX_VECTORS_H
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -32,10 +33,10 @@ inline bool readHexVector(const char* p, unsigned long n, std::uint64_t& number)
   return ~static_cast<std::uint32_t>(_mm_movemask_epi8(isDigit)) << (32 - n) == 0;
 }
 
-// Writes the digits of a number, without leading zeros, and returns their end; 16 bytes are written. letterGap: what
-// lies between '9' + 1 and the first letter.
-inline char* writeHexVector(char* at, std::uint64_t number, unsigned letterGap) {
-  const auto zeros = static_cast<unsigned>(std::countl_zero(number | 1)) / 4;
+// Writes the digits of a number, of leading zeros those that make up `least` (1 to 16) digits, and returns their end; 16
+// bytes are written. letterGap: what lies between '9' + 1 and the first letter.
+inline char* writeHexVector(char* at, std::uint64_t number, unsigned letterGap, unsigned least) {
+  const unsigned zeros = std::min(static_cast<unsigned>(std::countl_zero(number | 1)) / 4, 16 - least);
   const std::uint64_t packed = __builtin_bswap64(number << 4 * zeros);
   const __m128i bytes = _mm_cvtsi64_si128(static_cast<long long>(packed));
   const __m128i half = _mm_set1_epi8(0x0F);

@@ -104,7 +104,7 @@ inline char* writeLastDigits(char* at, std::uint64_t number, unsigned letterGap,
 template <unsigned kBase>
 inline char* writeUpToSixteen(char* at, std::uint64_t number, unsigned letterGap) {
 #if defined(KT_HEX_VECTORS)
-  if constexpr (kBase == 16) return writeHexVector(at, number, letterGap);
+  if constexpr (kBase == 16) return writeHexVector(at, number, letterGap, 1);
 #endif
   const std::uint64_t back = splitDigits<kBase>(number % kEightDigits<kBase>);
   const std::uint64_t head = splitDigits<kBase>(number / kEightDigits<kBase>);
@@ -128,9 +128,12 @@ inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0)
   return writeLastDigits<kBase>(at, number % kWord, letterGap, 8);
 }
 
-// Writes at least `least` digits (1 to 16) of a number that has no more than 16; returns their end.
+// Writes at least `least` digits (1 to 16) of a number that has no more than 16; returns their end. 16 bytes may be written.
 template <unsigned kBase>
 inline char* writeAtLeast(char* at, std::uint64_t number, unsigned letterGap, unsigned least) {
+#if defined(KT_HEX_VECTORS)
+  if constexpr (kBase == 16) return writeHexVector(at, number, letterGap, least);
+#endif
   constexpr std::uint64_t kWord = kEightDigits<kBase>;
   if (number >= kWord || least > 8) {
     at = writeLastDigits<kBase>(at, number / kWord, letterGap, least > 8 ? least - 8 : 1);
