@@ -112,20 +112,18 @@ ByteInput::ByteInput(CLI::App& command, const char* name, const char* descriptio
   in_->excludes(given_)->excludes(hex_);
 }
 
-Bytes ByteInput::bytes() const {
-  if (in_->count() > 0) return readBytes(tool::text(*in_, ""));
-  if (given_->count() == 0) return fromHex(readFile(tool::text(*hex_, "-")));
+std::string ByteInput::joined(const char* between) const {
   std::string all;
-  for (const std::string& part : texts(*given_)) all += part;
-  return fromHex(all);
-}
-
-std::string ByteInput::text() const {
-  if (given_->count() == 0) return readFile(tool::text(*in_, "-"));
-  std::string all;
-  for (const std::string& part : texts(*given_)) all += (all.empty() ? "" : " ") + part;
+  for (const std::string& part : texts(*given_)) all += (all.empty() ? "" : between) + part;
   return all;
 }
+
+Bytes ByteInput::bytes() const {
+  if (in_->count() > 0) return readBytes(tool::text(*in_, ""));
+  return fromHex(given_->count() > 0 ? joined("") : readFile(tool::text(*hex_, "-")));
+}
+
+std::string ByteInput::text() const { return given_->count() > 0 ? joined(" ") : readFile(tool::text(*in_, "-")); }
 
 ByteOutput::ByteOutput(CLI::App& command)
     : raw_(addFlag(command, "--raw", "write bytes instead of hexadecimal text")),

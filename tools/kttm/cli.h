@@ -82,6 +82,8 @@ public:
   CLI::Option* hexFile() const { return hex_; }
 
 private:
+  std::string joined(const char* between) const;  // the arguments
+
   CLI::Option* given_;
   CLI::Option* hex_;
   CLI::Option* in_;
