@@ -20,10 +20,11 @@ function(kttm_add_library name)
   target_include_directories(${name}_objects PUBLIC "${headers}" PRIVATE ${private})
   # Exported functions call each other directly: replacing one by preloading is not supported.
   target_compile_options(${name}_objects PRIVATE -fno-semantic-interposition)
-  # Functions begin on cache lines, so that the loops in them lie where they lay, whatever changes elsewhere. Comparing
-  # neighbouring names by KtStrCmp took 11% less, random ones 6%, other jobs up to 3%.
+  # Functions begin on cache lines, so that the loops in them lie where they lay, whatever changes elsewhere, and loops do,
+  # so that the short ones are fetched as one piece. Comparing neighbouring names took 10% less by the one and 4% by the
+  # other, hashing doubles 12% by the latter; tuning for one processor or -O2 gained nothing.
   if(CMAKE_CXX_FLAGS_RELEASE MATCHES "-O3")
-    target_compile_options(${name}_objects PRIVATE $<$<CONFIG:Release>:-falign-functions=64>)
+    target_compile_options(${name}_objects PRIVATE $<$<CONFIG:Release>:-falign-functions=64 -falign-loops=64>)
   endif()
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)

@@ -7,10 +7,12 @@
 namespace kt {
 namespace {
 
-// Always inlined, so that it is compiled with the instructions of the clone that it stands in.
+// Always inlined, so that it is compiled with the instructions of the clone that it stands in. Four vectors a turn: a
+// shorter loop is held up by the fetching of its instructions, and takes twice the time.
 template <class Word>
 [[gnu::always_inline]] inline unsigned long swapLoop(unsigned char* dst, const unsigned char* src,
                                                      unsigned long count) {
+#pragma GCC unroll 4
   for (unsigned long i = 0; i < count; ++i) {
     Word word;
     std::memcpy(&word, src + i * sizeof(Word), sizeof(Word));
