@@ -110,9 +110,8 @@ long compareMemoryForms(unsigned long lengthA, void* a, unsigned long lengthB, v
   if (isOnePlain(cmpOp, count) && holdBoth(lengthA, lengthB, sizeof(KtString))) {
     const auto& x = *static_cast<const KtString*>(a);
     const auto& y = *static_cast<const KtString*>(b);
-    if (const std::int32_t difference = stringDifference(x, y)) return signOf(difference);
-    long result;
-    if (compareAlike(x, y, cmpOp, result)) return signOf(result);
+    return signOf(compareWholeOr(
+        x, y, cmpOp, [&] { return compareMemoryRuns<Kind>(lengthA, a, lengthB, b, cmpOp, count, status); }));
   }
   return compareMemoryRuns<Kind>(lengthA, a, lengthB, b, cmpOp, count, status);
 }
@@ -207,7 +206,7 @@ inline unsigned loadWord(const unsigned char* at) {
   const unsigned long at = std::min<unsigned long>(lowestBit(mask) / 2, shorter);
   const unsigned unitA = at < unitsA ? loadUnit(a.text(), at, rotation) : 0;
   const unsigned unitB = at < unitsB ? loadUnit(b.text(), at, rotation) : 0;
-  if (unitA >= kNearUnits || unitB >= kNearUnits) [[unlikely]]
+  if (!areNear(unitA, unitB)) [[unlikely]]
     return 0;
   return decidedDifference(table.primary[unitA], table.primary[unitB]);
 }

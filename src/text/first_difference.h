@@ -30,6 +30,7 @@ inline std::uint64_t loadLowFirst(const void* p) {
 
 // Of a mask that is not 0.
 inline unsigned lowestBit(std::uint32_t mask) { return static_cast<unsigned>(std::countr_zero(mask)); }
+inline unsigned lowestBit(std::uint64_t mask) { return static_cast<unsigned>(std::countr_zero(mask)); }
 
 // Bit i of a mask: byte i differs or belongs to the end of the first text, a zero character of kCharSize bytes. In wide
 // texts both bits of a character may be set, or one.

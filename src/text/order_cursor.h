@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -76,7 +77,9 @@ constexpr Weight kSeveral = 2;    // of a character with several orders
 
 // The weights of the 16-bit characters under one kind: of character c, page[c >> 8].weights[c & 255] +
 // page[c >> 8].offset.
-constexpr unsigned kNearUnits = 0x2100;  // the scripts of letters, and the marks of all texts
+constexpr unsigned kNearUnits = 0x4000;          // the scripts of letters, kana among them, and the marks of all texts
+static_assert(std::has_single_bit(kNearUnits));  // so that the larger of two is compared without asking which it is
+constexpr bool areNear(unsigned unit1, unsigned unit2) { return (unit1 | unit2) < kNearUnits; }
 
 struct WideWeights {
   static constexpr unsigned long kCharSize = 2;

@@ -144,7 +144,7 @@ template <class Cursor>
 }
 
 template <class Table>
-[[gnu::noinline]] long walkBlocks(const TextBlock& a, const TextBlock& b, const Table& table, unsigned cmpOp) {
+[[gnu::always_inline]] inline long walkBlocks(TextBlock a, TextBlock b, const Table& table, unsigned cmpOp) {
   constexpr unsigned long kSize = Table::kCharSize;
   const char* const lastX = a.text + blockSize(a.size) - kFirstBytes;
   const char* const lastY = b.text + blockSize(b.size) - kFirstBytes;
@@ -165,13 +165,6 @@ template <class Table>
   if (const std::int32_t primary = walkToPrimary(a.text, b.text, table, toDifference)) return primary;
   return compareRest(first / kSize, cursorOf(a.text, a.size / kSize - 1, table),
                      cursorOf(b.text, b.size / kSize - 1, table), cmpOp);
-}
-
-template <class Table>
-[[gnu::always_inline]] inline long compareBlocks(const TextBlock& a, const TextBlock& b, const Table& table,
-                                                 unsigned cmpOp) {
-  if (const std::int32_t difference = laterDifferenceInBlocks(a.text, b.text, table)) return difference;
-  return walkBlocks(a, b, table, cmpOp);
 }
 
 template <class Table>
@@ -232,11 +225,11 @@ long compareRaw(const TextRef& a, const TextRef& b, unsigned cmpOp, unsigned lon
 
 }  // namespace
 
-long compareInBlocks(const TextBlock& a, const TextBlock& b, const ByteWeights& table, unsigned cmpOp) {
-  return compareBlocks(a, b, table, cmpOp);
+long compareInBlocks(TextBlock a, TextBlock b, const ByteWeights& table, unsigned cmpOp) {
+  return walkBlocks(a, b, table, cmpOp);
 }
-long compareInBlocks(const TextBlock& a, const TextBlock& b, const WideWeights& table, unsigned cmpOp) {
-  return compareBlocks(a, b, table, cmpOp);
+long compareInBlocks(TextBlock a, TextBlock b, const WideWeights& table, unsigned cmpOp) {
+  return walkBlocks(a, b, table, cmpOp);
 }
 
 long compareFrom(unsigned long start, const char* a, const char* b, const ByteWeights& table, unsigned cmpOp) {

@@ -59,46 +59,52 @@ template <unsigned long kCharSize>
   return ((k1 | k2) & kLevelMask) == 0 ? keyDifference(k1, k2) : 0;
 }
 
-// The primary difference at an index that the texts are alike before, which decides; 0 where it is not found there.
-template <class Table>
-[[gnu::always_inline]] inline std::int32_t differenceAt(unsigned long index, const char* a, const char* b,
-                                                        const Table& table) {
-  return decidedDifference(primaryAt(table, a, index), primaryAt(table, b, index));
+// Of the characters that two texts go on with: whether the table has their primary weights at hand, and these.
+[[gnu::always_inline]] inline bool areNear(const ByteWeights&, const char*, const char*) { return true; }
+[[gnu::always_inline]] inline bool areNear(const WideWeights&, const char* a, const char* b) {
+  return areNear(loadUnit(a, 0, 0), loadUnit(b, 0, 0));
+}
+[[gnu::always_inline]] inline Weight nearPrimary(const ByteWeights& table, const char* text) {
+  return primaryAt(table, text, 0);
+}
+[[gnu::always_inline]] inline Weight nearPrimary(const WideWeights& table, const char* text) {
+  return table.primary[loadUnit(text, 0, 0)];
 }
 
-// The same, and an ignorable character on either side is passed over: whatever it counts, a primary difference behind it
-// comes first.
+// The primary difference of the characters that two texts go on with; 0 where they do not decide, or are not near.
 template <class Table>
-[[gnu::always_inline]] inline std::int32_t differenceBehind(unsigned long index, const char* a, const char* b,
-                                                            const Table& table) {
-  const unsigned long x = index + (primaryAt(table, a, index) & kIgnorable);
-  const unsigned long y = index + (primaryAt(table, b, index) & kIgnorable);
-  return decidedDifference(primaryAt(table, a, x), primaryAt(table, b, y));
+[[gnu::always_inline]] inline std::int32_t nextDifference(const char* a, const char* b, const Table& table) {
+  return areNear(table, a, b) ? decidedDifference(nearPrimary(table, a), nearPrimary(table, b)) : 0;
 }
 
 // Of texts at the beginning of blocks of 16 bytes or more, with a terminator. 0: not decided.
 template <unsigned long kCharSize, class Table>
 [[gnu::always_inline]] inline std::int32_t differenceInBlocks(const char* a, const char* b, const Table& table) {
   const std::uint32_t mask = differences16<kCharSize>(a, b);
-  return mask != 0 ? differenceAt(lowestBit(mask) / kCharSize, a, b, table) : 0;
+  if (mask == 0) return 0;
+  const unsigned long byte = lowestBit(mask) & ~(static_cast<unsigned>(kCharSize) - 1);
+  return nextDifference(a + byte, b + byte, table);
 }
 
 // The same where the first difference does not decide: characters that differ in case or diacritics only are passed
-// over, then an ignorable one on either side. Without a branch between, as neither can be predicted.
+// over, then an ignorable one on either side. Far characters are left to others.
 template <class Table>
 [[gnu::always_inline]] inline std::int32_t laterDifferenceInBlocks(const char* a, const char* b, const Table& table) {
   constexpr unsigned long kCharSize = Table::kCharSize;
   constexpr std::uint64_t kCharacter = (1u << kCharSize) - 1, kEnd = std::uint64_t{1} << 2 * kFirstBytes;
-  constexpr unsigned kPerCharacter = ~static_cast<unsigned>(kCharSize - 1);
   const std::uint64_t high = differences16<kCharSize>(a + kFirstBytes, b + kFirstBytes);
-  const std::uint64_t mask = kEnd | high << kFirstBytes | differences16<kCharSize>(a, b);
-  const unsigned first = static_cast<unsigned>(std::countr_zero(mask)) & kPerCharacter;
-  const std::uint64_t rest = kEnd | (mask & ~(kCharacter << first));
-  const unsigned second = static_cast<unsigned>(std::countr_zero(rest)) & kPerCharacter;
-  const Weight k1 = primaryAt(table, a, first / kCharSize);
-  const Weight k2 = primaryAt(table, b, first / kCharSize);
-  if (k1 == k2 && (k1 == 0 || k1 == kSeveral)) return 0;
-  return differenceBehind((k1 == k2 ? second : first) / kCharSize, a, b, table);
+  std::uint64_t mask = kEnd | high << kFirstBytes | differences16<kCharSize>(a, b);
+  unsigned long at = lowestBit(mask) & ~(kCharSize - 1);
+  if (!areNear(table, a + at, b + at)) return 0;
+  Weight k1 = nearPrimary(table, a + at), k2 = nearPrimary(table, b + at);
+  if (k1 == k2) {
+    if (k1 == 0 || k1 == kSeveral) return 0;
+    mask = kEnd | (mask & ~(kCharacter << at));
+    at = lowestBit(mask) & ~(kCharSize - 1);
+    if (!areNear(table, a + at, b + at)) return 0;
+    k1 = nearPrimary(table, a + at), k2 = nearPrimary(table, b + at);
+  }
+  return nextDifference(a + at + kCharSize * (k1 & kIgnorable), b + at + kCharSize * (k2 & kIgnorable), table);
 }
 
 // A text of that many bytes, with its terminator, in a block of blockSize() bytes.
@@ -108,8 +114,8 @@ struct TextBlock {
 };
 
 // The whole comparison of such texts.
-long compareInBlocks(const TextBlock& a, const TextBlock& b, const ByteWeights& table, unsigned cmpOp);
-long compareInBlocks(const TextBlock& a, const TextBlock& b, const WideWeights& table, unsigned cmpOp);
+long compareInBlocks(TextBlock a, TextBlock b, const ByteWeights& table, unsigned cmpOp);
+long compareInBlocks(TextBlock a, TextBlock b, const WideWeights& table, unsigned cmpOp);
 
 // Leading characters that terminated texts have in common, wherever they lie. They are read one by one: a text may end
 // at the end of a page.
@@ -146,7 +152,7 @@ template <unsigned long kCharSize, class Table>
   };
   const unsigned long end = std::min(std::min(limitA, limitB) * kCharSize, kFirstBytes);
   if (end < kBytesBefore) return 0;
-  if (const std::int32_t difference = differenceAt(0, a, b, table)) return difference;  // far apart
+  if (const std::int32_t difference = nextDifference(a, b, table)) return difference;  // far apart
   std::uint32_t mask = differencesBefore<kCharSize>(a, b, end) | 1u << end;
   do {  // as long as the texts stay in step: they differ in case or diacritics only
     const unsigned bit = lowestBit(mask) & ~(static_cast<unsigned>(kCharSize) - 1);

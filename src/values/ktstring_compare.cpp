@@ -18,33 +18,37 @@ kt::TextRef refOf(const KtString& s, unsigned char language) {
   return {s.buffer, charactersOf(s, s.codeSet == 255 ? 1 : s.CharSize()), s.codeSet, language, 1};
 }
 
-unsigned operatorBits(unsigned short cmpOp) {
-  return cmpOp != KtCMP_DEFAULT ? cmpOp : KtLanguageContext::GetDefaultCmpOp();
+kt::TextBlock blockOf(const KtString& s) { return {s.buffer, s.bufferSize}; }
+
+template <class Table>
+[[gnu::always_inline]] inline long compareBlocks(const KtString& a, const KtString& b, const Table& table,
+                                                 unsigned cmpOp) {
+  if (const std::int32_t difference = kt::laterDifferenceInBlocks(a.buffer, b.buffer, table)) return difference;
+  return kt::compareInBlocks(blockOf(a), blockOf(b), table, cmpOp);
 }
 
-// In a function of its own, so that the short way needs no stack frame. cmpOp may be the stand-in for the default one.
-[[gnu::noinline]] long compareUndecided(const KtString& a, const KtString& b, short length, unsigned short cmpOp) {
-  const unsigned bits = operatorBits(cmpOp);
-  long result;
-  if (length == -1 && kt::isPlainOperator(bits) && kt::compareAlike(a, b, bits, result)) return result;
-  return kt::compareTexts(refOf(a, a.language), refOf(b, b.language), bits, length);
-}
-
-[[gnu::always_inline]] inline long compareStrings(const KtString& a, const KtString& b, short length,
-                                                  unsigned short cmpOp) {
-  if (length == -1 && kt::isPlainOperator(cmpOp))
-    if (const std::int32_t difference = kt::stringDifference(a, b)) return difference;
-  return compareUndecided(a, b, length, cmpOp);
+[[gnu::always_inline]] inline long compareWhole(const KtString& a, const KtString& b, unsigned cmpOp) {
+  return kt::compareWholeOr(a, b, cmpOp, [&] { return kt::compareInFull(a, b, -1, cmpOp); });
 }
 
 [[gnu::always_inline]] inline long compareByDefault(const KtString& a, const KtString& b) {
-  return compareStrings(a, b, -1, KtLanguageContext::GetDefaultCmpOp());
+  const unsigned cmpOp = KtLanguageContext::GetDefaultCmpOp();
+  return kt::isPlainOperator(cmpOp) ? compareWhole(a, b, cmpOp) : kt::compareInFull(a, b, -1, cmpOp);
 }
+
+// The stand-in for the default operator is none of isPlainOperator.
+[[gnu::noinline]] long compareUnusual(const KtString& a, const KtString& b, short length, unsigned short cmpOp) {
+  if (cmpOp != KtCMP_DEFAULT) return kt::compareInFull(a, b, length, cmpOp);
+  return length == -1 ? compareByDefault(a, b) : kt::compareInFull(a, b, length, KtLanguageContext::GetDefaultCmpOp());
+}
+static_assert(!kt::isPlainOperator(KtCMP_DEFAULT));
 
 template <class Table>
 [[gnu::always_inline]] inline long compareTerminated(const char* a, const char* b, const Table& table, unsigned cmpOp) {
   const unsigned long start = kt::equalStart<Table::kCharSize>(a, b);
-  if (const std::int32_t difference = kt::differenceAt(start, a, b, table)) return difference;
+  if (const std::int32_t difference =
+          kt::nextDifference(a + start * Table::kCharSize, b + start * Table::kCharSize, table))
+    return difference;
   return kt::compareFrom(start, a, b, table, cmpOp);
 }
 
@@ -76,18 +80,15 @@ int setWildcard(kt::Wildcard wildcard, const KtChar& ch) {
 
 namespace kt {
 
-bool compareAlike(const KtString& a, const KtString& b, unsigned cmpOp, long& result) {
-  const StringFields x(a), y(b);
-  if (!areAlike(x, y)) return false;
-  const TextBlock first{a.buffer, x.size()}, second{b.buffer, y.size()};
-  if (const ByteWeights* table = usualByteWeights(x.codes())) {
-    result = compareInBlocks(first, second, *table, cmpOp);
-    return true;
-  }
-  const WideWeights* table = usualWideWeights(x.codes());
-  if (table == nullptr || !endsBySize(a, x.size() / 2) || !endsBySize(b, y.size() / 2)) return false;
-  result = compareInBlocks(first, second, *table, cmpOp);
-  return true;
+long compareInFull(const KtString& a, const KtString& b, short length, unsigned cmpOp) {
+  return compareTexts(refOf(a, a.language), refOf(b, b.language), cmpOp, length);
+}
+
+[[gnu::noinline]] long compareFurther(const KtString& a, const KtString& b, const ByteWeights& table, unsigned cmpOp) {
+  return compareBlocks(a, b, table, cmpOp);
+}
+[[gnu::noinline]] long compareFurther(const KtString& a, const KtString& b, const WideWeights& table, unsigned cmpOp) {
+  return compareBlocks(a, b, table, cmpOp);
 }
 
 }  // namespace kt
@@ -97,8 +98,8 @@ int KtString::SetQuestion(const KtChar& ch) { return setWildcard(kt::Wildcard::k
 int KtString::SetEscape(const KtChar& ch) { return setWildcard(kt::Wildcard::kEscape, ch); }
 
 long KtString::Compare(const KtString& other, short length, unsigned short cmpOp) const {
-  static_assert(!kt::isPlainOperator(KtCMP_DEFAULT), "compareUndecided looks at it");
-  return compareStrings(*this, other, length, cmpOp);
+  const bool isUsual = length == -1 && kt::isPlainOperator(cmpOp);
+  return isUsual ? compareWhole(*this, other, cmpOp) : compareUnusual(*this, other, length, cmpOp);
 }
 
 int KtString::EqualsIgnoreLanguage(const KtString& other) const {

@@ -28,36 +28,44 @@ struct StringFields {
   }
 };
 
-// Whether the text ends where its size says; not so when the code set was changed by assigning the field.
-inline bool endsBySize(const KtString& s, unsigned long units) {
-  std::uint16_t last;
-  std::memcpy(&last, s.buffer + units * 2 - 2, sizeof last);
-  return last == 0;
-}
-
 // Both of one code set and language, not empty, so that they have buffers.
 inline bool areAlike(const StringFields& x, const StringFields& y) {
   return StringFields::sameCodes(x, y) && x.size() > 1 && y.size() > 1;
 }
 
-// Both of 16-bit characters.
-[[gnu::always_inline]] inline std::int32_t wideDifference(const KtString& a, const KtString& b, const StringFields& x,
-                                                          const StringFields& y) {
-  const WideWeights* table = usualWideWeights(x.codes());
-  if (table == nullptr || !endsBySize(a, x.size() / 2) || !endsBySize(b, y.size() / 2)) return 0;
-  return differenceInBlocks<2>(a.buffer, b.buffer, *table);
+// Whether texts of 16-bit characters end where their sizes say; not so when a code set was changed by assigning the field.
+[[gnu::always_inline]] inline bool endBySize(const KtString& a, unsigned long sizeA, const KtString& b,
+                                             unsigned long sizeB) {
+  std::uint16_t lastA, lastB;
+  std::memcpy(&lastA, a.buffer + (sizeA & ~1ul) - 2, sizeof lastA);
+  std::memcpy(&lastB, b.buffer + (sizeB & ~1ul) - 2, sizeof lastB);
+  return (lastA | lastB) == 0;
 }
 
-// What decides between two strings under an operator of isPlainOperator, whichever it is; 0: not known yet.
-[[gnu::always_inline]] inline std::int32_t stringDifference(const KtString& a, const KtString& b) {
+// Apart and with the same arguments, so that the short ways need no stack frame: the comparison of any two strings, and of
+// two that end as their sizes say, which begins anew.
+long compareInFull(const KtString& a, const KtString& b, short length, unsigned cmpOp);
+long compareFurther(const KtString& a, const KtString& b, const ByteWeights& table, unsigned cmpOp);
+long compareFurther(const KtString& a, const KtString& b, const WideWeights& table, unsigned cmpOp);
+
+template <class Table>
+[[gnu::always_inline]] inline long compareUsual(const KtString& a, const KtString& b, const Table& table,
+                                                unsigned cmpOp) {
+  const std::int32_t difference = differenceInBlocks<Table::kCharSize>(a.buffer, b.buffer, table);
+  return difference != 0 ? difference : compareFurther(a, b, table, cmpOp);
+}
+
+// The comparison of two whole strings under an operator of isPlainOperator; otherwise(), where they are not of one form.
+template <class Otherwise>
+[[gnu::always_inline]] inline long compareWholeOr(const KtString& a, const KtString& b, unsigned cmpOp,
+                                                  Otherwise otherwise) {
   const StringFields x(a), y(b);
-  if (!areAlike(x, y)) return 0;
-  const ByteWeights* table = usualByteWeights(x.codes());
-  return table != nullptr ? differenceInBlocks<1>(a.buffer, b.buffer, *table) : wideDifference(a, b, x, y);
+  if (!areAlike(x, y)) return otherwise();
+  if (const ByteWeights* table = usualByteWeights(x.codes())) return compareUsual(a, b, *table, cmpOp);
+  const WideWeights* table = usualWideWeights(x.codes());
+  if (table == nullptr || !endBySize(a, x.size(), b, y.size())) return otherwise();
+  return compareUsual(a, b, *table, cmpOp);
 }
-
-// The whole comparison under such an operator. False where the strings are not of one form.
-bool compareAlike(const KtString& a, const KtString& b, unsigned cmpOp, long& result);
 
 }  // namespace kt
 
