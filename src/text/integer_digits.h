@@ -4,6 +4,7 @@
 #ifndef KT_INTEGER_DIGITS_H
 #define KT_INTEGER_DIGITS_H
 
+#include "text/digit_vectors.h"
 #include "text/hex_vectors.h"
 
 #include <algorithm>
@@ -128,6 +129,15 @@ inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0)
   return writeLastDigits<kBase>(at, number % kWord, letterGap, 8);
 }
 
+// As writeDigits<10>, where nobody reads the digits at once: reading what two wide stores wrote waits for both.
+[[gnu::noinline]] inline char* writeDecimalWords(char* at, std::uint64_t number) { return writeDigits<10>(at, number); }
+inline char* writeDecimal(char* at, std::uint64_t number) {
+#if defined(KT_FOR_AVX2)
+  if (hasAvx2()) return writeDecimalVector(at, number);
+#endif
+  return writeDecimalWords(at, number);
+}
+
 // Writes at least `least` digits (1 to 16) of a number that has no more than 16; returns their end. 16 bytes may be written.
 template <unsigned kBase>
 inline char* writeAtLeast(char* at, std::uint64_t number, unsigned letterGap, unsigned least) {
@@ -191,12 +201,6 @@ inline std::uint64_t joinDigits(std::uint64_t digits) {
   return (odd + even) >> 32;
 }
 
-// A number modulo 2^64, and whether its text was one.
-struct ReadNumber {
-  std::uint64_t value;
-  bool isNumber;
-};
-
 // The number that n characters stand for, none where one of them is no digit of the base. No digits are 0.
 template <unsigned kBase>
 [[gnu::noinline]] ReadNumber readDigits(const char* p, unsigned long n) {
@@ -227,17 +231,11 @@ inline ReadNumber readThreeWords(const char* p, unsigned long n) {
 }
 
 // As readDigits; sixteen bytes are readable at p, whatever lies behind the characters. Where there are one to sixteen of
-// them nothing depends on a branch: how many they are cannot be predicted.
+// them nothing depends on a branch: how many they are cannot be predicted. Apart, so that whoever has vectors needs no
+// stack frame.
 template <unsigned kBase>
-inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
+[[gnu::noinline]] ReadNumber readPaddedWords(const char* p, unsigned long n) {
   if (n - 1 > 15) return n - 17 < 8 ? readThreeWords<kBase>(p, n) : readDigits<kBase>(p, n);
-#if defined(KT_HEX_VECTORS)
-  if constexpr (kBase == 16) {
-    ReadNumber number;
-    number.isNumber = readHexVector(p, n, number.value);
-    return number;
-  }
-#endif
   const unsigned long hasTwoWords = (n - 1) / 8;
   const unsigned long first = (n - 8) & (0 - hasTwoWords);  // characters of the first of two words
   // Each moves to the end of its word; what lies behind the text falls out.
@@ -247,6 +245,23 @@ inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
   const std::uint64_t bad =
       digitValues<kBase>(front & (0 - std::uint64_t{hasTwoWords}), high) | digitValues<kBase>(back, low);
   return {joinDigits<kBase>(high) * kEightDigits<kBase> + joinDigits<kBase>(low), bad == 0};
+}
+
+// The same by what this processor is best at.
+template <unsigned kBase>
+inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
+#if defined(KT_HEX_VECTORS)
+  if (kBase == 16 && n - 1 < 16) {
+    ReadNumber number;
+    number.isNumber = readHexVector(p, n, number.value);
+    return number;
+  }
+#endif
+#if defined(KT_FOR_AVX2)
+  if (kBase != 16 && n <= kMostVectorDigits && hasAvx2())
+    return kBase == 8 ? readOctalVector(p, n) : readDecimalVector(p, n);
+#endif
+  return readPaddedWords<kBase>(p, n);
 }
 
 // base^0 to base^8.

@@ -40,7 +40,7 @@ static_assert(kt::kShortRoom >= 3 + kt::kDigitRoom);  // a sign, 0x, the digits
 [[gnu::always_inline]] inline char* writeDecimal(char* at, const KtInt64& number) {
   const std::uint64_t sign = number.Bits() >> 63;
   *at = '-';
-  return kt::writeDigits<10>(at + sign, (number.Bits() ^ (0 - sign)) + sign);
+  return kt::writeDecimal(at + sign, (number.Bits() ^ (0 - sign)) + sign);
 }
 
 // The least number, which has no positive counterpart, stands without a sign.
