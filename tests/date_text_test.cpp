@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -236,6 +237,64 @@ TEST(DateText, what_is_printed_scans_back) {
       ASSERT_TRUE(back == value) << text.StrGet();
     }
   }
+}
+
+// What is read at once is what is read one by one: targets and texts of 16-bit characters are not taken by the quick way.
+TEST(DateText, formats_of_digits_alone_read_and_print_as_others_do) {
+  const char* formats[] = {"%Y",
+                           "%d",
+                           "%m%d",
+                           "%H:%M",
+                           "%S.%M.%H %d.%m.%Y",
+                           "%Y-%m-%d",
+                           "%d/%m",
+                           "-%e-",
+                           "%Y%m%d%H%M%S",
+                           "<%Y-%m-%dT%H:%M:%SZ>",
+                           "%H%M%Y%S%d%m",
+                           "year: %Y, month: %m, day: %d",
+                           "%M of %H, %S",
+                           "%d %d",
+                           "%Y%y"};
+  const KtDateTime values[] = {
+      at(2005, 6, 28, 23, 59, 8), at(0, 1, 1),     at(9999, 12, 31, 1, 2, 3),     at(10000, 1, 1), at(-5, 1, 1),
+      at(2005, 100, 28),          at(2005, 6, -1), at(2005, 6, 28, 99, 100, -128)};
+  for (const char* format : formats) {
+    for (const KtDateTime& value : values) {
+      for (const unsigned before : {0u, 5u, 14u, 16u, 30u, 40u}) {
+        KtString narrow(std::string(before, '.').c_str());
+        KtString wide(static_cast<unsigned char>(253), static_cast<unsigned char>(1));
+        wide += narrow;
+        value.PrintToKtString(narrow, format);
+        value.PrintToKtString(wide, format);
+        ASSERT_TRUE(wide == narrow) << format << ": " << narrow.StrGet();
+      }
+    }
+    const std::string text = printed(values[0], format) + "9";
+    for (std::size_t length = 0; length <= text.size(); ++length) {
+      for (const char wrong : {'0', '9', '/', ':', ' ', '-', '\xB0'}) {
+        std::string changed = text.substr(0, length);
+        if (length != 0) changed[length - 1] = wrong;
+        changed += text.substr(length, length % 7);
+        const KtString narrow(changed.c_str());
+        KtString wide(static_cast<unsigned char>(253), static_cast<unsigned char>(1));
+        wide += narrow;
+        ASSERT_EQ(scanned(narrow, format), scanned(wide, format)) << format << ": " << changed;
+      }
+    }
+  }
+}
+
+// A format is known by its characters, not by where it stands.
+TEST(DateText, formats_may_change_where_they_stand) {
+  char format[32] = "%Y-%m-%d";
+  EXPECT_EQ(printed(at(2005, 6, 28), format), "2005-06-28");
+  EXPECT_EQ(scanned("2005-06-28", format), "2005-06-28 00:00:00");
+  std::strcpy(format, "%d.%m.%Y");
+  EXPECT_EQ(printed(at(2005, 6, 28), format), "28.06.2005");
+  EXPECT_EQ(scanned("28.06.2005", format), "2005-06-28 00:00:00");
+  std::strcpy(format, "%Y-%m-%d %b");
+  EXPECT_EQ(printed(at(2005, 6, 28), format), "2005-06-28 Jun");
 }
 
 // Also where the text that is there ends near the end of its block.

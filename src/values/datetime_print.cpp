@@ -4,6 +4,7 @@
 #include "values/append_short.h"
 #include "values/append_whole.h"
 #include "values/datetime_names.h"
+#include "values/datetime_plan.h"
 #include "values/datetime_text.h"
 #include "values/null_text.h"
 #include "values/string_edit.h"
@@ -211,6 +212,8 @@ private:
   const char* next_;
 };
 
+const unsigned char* fieldsOf(const void* value) { return static_cast<const unsigned char*>(value); }
+
 // Whether characters can be put behind the text, up to blockEnd(), as they are.
 inline bool takesCharacters(const KtString& out) {
   return out.bufferSize != 0 && out.codeSet == narrowSet() && !mayHoldZero(out.buffer, out.bufferSize);
@@ -294,10 +297,26 @@ bool isNull(const void* value) {
 
 [[gnu::noinline]] KtString& setToNullText(KtString& out) { return out = nullPrintString(); }
 
+KtString& printByOwnText(KtString& out, const void* value, const char* format);
+
+// Directive by directive.
+[[gnu::noinline]] KtString& printByWalk(KtString& out, const void* value, const char* format) {
+  if (isNull(value)) [[unlikely]]
+    return setToNullText(out);
+  if (liesIn(out, format)) [[unlikely]]
+    return printByOwnText(out, value, format);
+  if (!takesCharacters(out)) [[unlikely]]
+    return printElsewhere(out, value, format);
+  const Progress plain = printPlain(out.buffer + out.bufferSize - 1, blockEnd(out), format, fieldsOf(value));
+  if (*plain.format != '\0') return printRest(out, value, format, plain);
+  grow(out, plain.at);
+  return out;
+}
+
 // The format lies in the text that grows.
 [[gnu::noinline]] KtString& printByOwnText(KtString& out, const void* value, const char* format) {
   const LastingFormat lasting(out, format);
-  return printDateTime(out, value, lasting.text());
+  return printByWalk(out, value, lasting.text());
 }
 
 }  // namespace
@@ -305,16 +324,12 @@ bool isNull(const void* value) {
 const char* weekdayName(const KtDate& date) { return weekdayOf(date).text; }
 
 KtString& printDateTime(KtString& out, const void* value, const char* format) {
-  if (isNull(value)) [[unlikely]]
-    return setToNullText(out);
-  if (liesIn(out, format)) [[unlikely]]
-    return printByOwnText(out, value, format);
-  if (!takesCharacters(out)) [[unlikely]]
-    return printElsewhere(out, value, format);
-  const Progress plain =
-      printPlain(out.buffer + out.bufferSize - 1, blockEnd(out), format, static_cast<const unsigned char*>(value));
-  if (*plain.format != '\0') return printRest(out, value, format, plain);
-  grow(out, plain.at);
+  const DateTimePlan* const plan = findPlan(format);
+  if (plan == nullptr || isNull(value) || !takesCharacters(out)) return printByWalk(out, value, format);
+  char* const at = out.buffer + out.bufferSize - 1;
+  char* const end = printByPlan(*plan, at, blockEnd(out), fieldsOf(value));
+  if (end == nullptr) return printByWalk(out, value, format);
+  grow(out, end);
   return out;
 }
 

@@ -1,6 +1,7 @@
 // datetime_scan.cpp - scanning dates and times by a format.
 #include "text/string_block.h"
 #include "values/datetime_names.h"
+#include "values/datetime_plan.h"
 #include "values/datetime_text.h"
 #include "values/narrow_text.h"
 #include "values/null_text.h"
@@ -210,6 +211,12 @@ Fields readFields(const unsigned char* value) {
   return fields;
 }
 
+std::uint64_t bitsOf(const Fields& fields) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &fields, sizeof bits);
+  return bits;
+}
+
 void writeFields(unsigned char* value, const Fields& fields) { std::memcpy(value, &fields, sizeof fields); }
 
 [[gnu::noinline]] void scanRest(const char* end, const Scanned& start, unsigned char* value) {
@@ -234,16 +241,24 @@ inline bool isPlain(const KtString& in) {
   return differAtOnce(in, nullPrintString()) && !mayHoldZero(in.buffer, in.bufferSize);
 }
 
-// Into a value that starts as what the fields are that the format does not name, or stays as it was where memory ran out.
-[[gnu::always_inline]] inline Found scanFields(const KtString& in, const char* format, const Fields& start,
-                                               unsigned char* value) {
-  if (!isPlain(in)) [[unlikely]]
-    return scanAny(in, format, start, value);
+// A text whose bytes are its characters, directive by directive.
+[[gnu::noinline]] void scanByWalk(const KtString& in, const char* format, const Fields& start, unsigned char* value) {
   writeFields(value, start);
   const long length = in.bufferSize - 1L;
   const char* const end = in.buffer + length;
   const Scanned plain = scanPlain(end, -length, format, value);
   if (*plain.format != '\0') scanRest(end, plain, value);
+}
+
+// Into a value that starts as what the fields are that the format does not name, or stays as it was where memory ran out.
+[[gnu::always_inline]] inline Found scanFields(const KtString& in, const char* format, const Fields& start,
+                                               unsigned char* value) {
+  const DateTimePlan* const plan = findPlan(format);
+  if (!isPlain(in)) [[unlikely]]
+    return scanAny(in, format, start, value);
+  static_assert(kSmallestBlock >= kPlanBytes);
+  const bool isDone = plan != nullptr && scanByPlan(*plan, in.buffer, in.bufferSize - 1ul, bitsOf(start), value);
+  if (!isDone) scanByWalk(in, format, start, value);
   return Found::kFields;
 }
 
