@@ -4,6 +4,9 @@
 #include "text/text_units.h"
 #include "values/string_take.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -11,26 +14,40 @@ namespace {
 
 bool sizesDiffer(unsigned char a, unsigned char b) { return KtCodeSet::CharSizeOf(a) != KtCodeSet::CharSizeOf(b); }
 
-// Sixteen characters from a string's block, those behind the text as zeros. A block reaches to the end of the sixteen bytes
-// in which its text ends.
-struct Sixteen {
-  Sixteen(const char* block, unsigned long characters) {
-    static constexpr unsigned char kKeep[32] = {255, 255, 255, 255, 255, 255, 255, 255,
-                                                255, 255, 255, 255, 255, 255, 255, 255};
-    first = wordAt(block) & wordAt(kKeep + 16 - characters);
-    second = wordAt(block + 8) & wordAt(kKeep + 24 - characters);
+// The text in the smallest of blocks, as much of it as asked for, and zeros behind.
+struct ShortText {
+  using Half [[gnu::vector_size(16)]] = unsigned char;
+
+  ShortText(const char* block, unsigned long characters) {
+    static constexpr auto kKeep = [] {
+      std::array<unsigned char, 2 * kt::kSmallestBlock> keep{};
+      std::fill_n(keep.begin(), kt::kSmallestBlock, static_cast<unsigned char>(255));
+      return keep;
+    }();
+    const unsigned char* const keep = kKeep.data() + kt::kSmallestBlock - characters;
+    first = halfAt(block) & halfAt(keep);
+    second = halfAt(block + sizeof first) & halfAt(keep + sizeof first);
   }
 
-  static std::uint64_t wordAt(const void* p) {
-    std::uint64_t word;
-    std::memcpy(&word, p, sizeof word);
-    return word;
+  static Half halfAt(const void* p) {
+    Half half;
+    std::memcpy(&half, p, sizeof half);
+    return half;
   }
 
-  bool isAscii() const { return ((first | second) & 0x8080808080808080u) == 0; }
+  bool isAscii() const {
+    const auto words = std::bit_cast<std::array<std::uint64_t, 2>>(first | second);
+    return ((words[0] | words[1]) & 0x8080808080808080u) == 0;
+  }
 
-  std::uint64_t first, second;
+  void storeTo(char* block) const {
+    std::memcpy(block, &first, sizeof first);
+    std::memcpy(block + sizeof first, &second, sizeof second);
+  }
+
+  Half first, second;
 };
+static_assert(kt::kSmallestBlock == 2 * sizeof(ShortText::Half));
 
 // A text of 8-bit characters whose count is that of its bytes.
 inline bool isPlain(const KtString& s) {
@@ -50,13 +67,13 @@ constexpr int kNotMapped = -1;
 
 // What most conversions are: a name, in ASCII characters, which stand at their own places in every 8-bit set.
 inline int copyShortAscii(KtString& target, const KtString& source, unsigned char code, int count) {
-  const bool fits = target.buffer != nullptr && target.bufferSize < kt::kKeptBlock && source.bufferSize <= 16;
+  const bool fits =
+      target.buffer != nullptr && target.bufferSize < kt::kKeptBlock && source.bufferSize < kt::kSmallestBlock;
   if (!fits || KtCodeSet::CharSizeOf(code) != 1 || !isPlain(source)) return kNotMapped;
   const unsigned long length = kt::countOf(count, source.bufferSize - 1ul);
-  const Sixteen sixteen(source.buffer, length);
-  if (!sixteen.isAscii()) return kNotMapped;
-  std::memcpy(target.buffer, &sixteen.first, sizeof sixteen.first);
-  std::memcpy(target.buffer + 8, &sixteen.second, sizeof sixteen.second);
+  const ShortText text(source.buffer, length);
+  if (!text.isAscii()) return kNotMapped;
+  text.storeTo(target.buffer);
   return setMapped(target, source, code, length);
 }
 
