@@ -63,10 +63,10 @@ inline unsigned long readLength(const unsigned char* at, unsigned char code) {
 }
 
 inline void writeLength(unsigned char* at, unsigned long length, unsigned char code) {
-  const auto high = static_cast<unsigned char>(length >> 8);
-  const auto low = static_cast<unsigned char>(length);
-  at[0] = isBigEndianWord(code) ? high : low;
-  at[1] = isBigEndianWord(code) ? low : high;
+  const auto word = static_cast<std::uint16_t>(length);
+  const std::uint16_t stored =
+      isBigEndianWord(code) == (std::endian::native == std::endian::big) ? word : swapped(word);
+  std::memcpy(at, &stored, sizeof stored);
 }
 
 // Characters of 16 bits never follow the host: this is the order of those in a record, as text cursors and the rebuild

@@ -10,6 +10,8 @@
 
 #include <ktbs.h>
 
+#include <cstddef>
+
 namespace kt {
 namespace {
 
@@ -19,30 +21,39 @@ constexpr unsigned long kLongestTaken = 65532;   // bytes that takeText takes
 
 const KtString* stringsAt(const void* values) { return static_cast<const KtString*>(values); }
 
-constexpr unsigned long kWholeMove = 16;  // bytes; the block behind a string is never smaller
-static_assert(kWholeMove <= kSmallestBlock);
+constexpr unsigned long kWholeMove = kSmallestBlock;  // bytes; the block behind a string is never smaller
 constexpr unsigned long kRecordsOfMove = (kWholeMove + kEmptyRecord - 1) / kEmptyRecord;  // that take as much, at least
 
-// kHasRoom: kRecordsOfMove records follow, so that what a short text's one move writes too much will be written over.
-template <bool kHasRoom>
-unsigned char* storeOne(unsigned char* out, const KtString& s, unsigned char code) {
+// What stands around the characters. Returns the place behind the record.
+inline unsigned char* putFrame(unsigned char* out, const KtString& s, unsigned long bytes, unsigned char code) {
+  static_assert(offsetof(KtString, language) == offsetof(KtString, codeSet) + 1 && kLanguageAt == kCodeSetAt + 1);
+  static constexpr unsigned char kEnd[] = {kTextEnd, kCurrentMark};
+  writeLength(out, bytes + kEmptyLength, code);
+  std::memcpy(out + kCodeSetAt, &s.codeSet, 2);
+  std::memcpy(out + kTextAt + bytes, kEnd, sizeof kEnd);
+  return out + kTextAt + bytes + sizeof kEnd;
+}
+
+[[gnu::noinline]] unsigned char* storeAny(unsigned char* out, const KtString& s, unsigned char code) {
   const unsigned long bytes = storedTextBytes(s);
   if (s.bufferSize > kLongestStored) checkedSize(kLongestLength + 1, kOverflowLine);
-  writeLength(out, bytes + kEmptyLength, code);
-  out[kCodeSetAt] = s.codeSet;
-  out[kLanguageAt] = s.language;
   if (s.CharSize() == 2 && unitsAreSwapped(code)) {
     ShortStore(out + kTextAt, s.buffer, unitOrder(code), bytes / 2);
     if (bytes % 2 != 0) out[kTextAt + bytes - 1] = static_cast<unsigned char>(s.buffer[bytes - 1]);  // half a character
-  } else if (kHasRoom && bytes - 1 < kWholeMove) {
-    std::memcpy(out + kTextAt, s.buffer, kWholeMove);
   } else {
     copyText(out + kTextAt, s.buffer, bytes);
   }
-  out += kTextAt + bytes;
-  out[0] = kTextEnd;
-  out[1] = kCurrentMark;
-  return out + 2;
+  return putFrame(out, s, bytes, code);
+}
+
+// Where kRecordsOfMove records follow, so that what the one move of a short text writes too much will be written over.
+inline unsigned char* storeBeforeOthers(unsigned char* out, const KtString& s, unsigned char code) {
+  const unsigned long charSize = s.CharSize();
+  const unsigned long bytes = s.bufferSize - charSize;  // very many where there is no terminator
+  if (s.buffer == nullptr || bytes > kWholeMove || (charSize == 2 && unitsAreSwapped(code)))
+    return storeAny(out, s, code);
+  std::memcpy(out + kTextAt, s.buffer, kWholeMove);
+  return putFrame(out, s, bytes, code);
 }
 
 void becomeEmpty(KtString& s, unsigned char codeSet, unsigned char language) {
@@ -174,8 +185,8 @@ unsigned long StringStore(void* dst, const void* src, unsigned char format, unsi
   const unsigned char code = kt::lowCode(format);
   auto* out = static_cast<unsigned char*>(dst);
   unsigned long i = 0;
-  for (; i + kt::kRecordsOfMove < count; ++i) out = kt::storeOne<true>(out, strings[i], code);
-  for (; i < count; ++i) out = kt::storeOne<false>(out, strings[i], code);
+  for (; i + kt::kRecordsOfMove < count; ++i) out = kt::storeBeforeOthers(out, strings[i], code);
+  for (; i < count; ++i) out = kt::storeAny(out, strings[i], code);
   return static_cast<unsigned long>(out - static_cast<unsigned char*>(dst)) & kt::kResultMask;
 }
 
