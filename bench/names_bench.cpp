@@ -54,54 +54,51 @@ long compareTexts(const Names& names, std::size_t a, std::size_t b) {
 
 // The floor: what every comparison of such pairs has to do, its arguments taken as the contract has them. It finds the first
 // difference and asks one table for the weights there: right for most pairs, and without a look at what else is asked.
-struct FloorWeights {
-  std::vector<std::int32_t> of;
+std::vector<std::int32_t> floorWeights;
 
-  FloorWeights() {
-    for (unsigned unit = 0; unit < 65536; ++unit)
-      of.push_back(firstLevel(KtUnicodeProps::Order(static_cast<unsigned short>(unit), 1)));
-  }
+// Of a Latin letter the case and the diacritic do not count: docs/collation.md.
+std::int32_t firstLevel(unsigned order) { return static_cast<std::int32_t>(order >> 14 == 1 ? order & 0x407F : order); }
 
-  // Of a Latin letter the case and the diacritic do not count: docs/collation.md.
-  static std::int32_t firstLevel(unsigned order) {
-    return static_cast<std::int32_t>(order >> 14 == 1 ? order & 0x407F : order);
-  }
-};
-const FloorWeights floorWeights;
+void fillFloorWeights() {
+  if (!floorWeights.empty()) return;
+  for (unsigned unit = 0; unit < 65536; ++unit)
+    floorWeights.push_back(firstLevel(KtUnicodeProps::Order(static_cast<unsigned short>(unit), 1)));
+}
 
 // Of such texts the length is not known: one may end where its page ends, nothing behind its end may be read, and so it
 // cannot be read by words.
 template <class Unit>
-[[gnu::noinline]] long floorOfTexts(unsigned char, unsigned char, const char* s1, unsigned char, unsigned char,
-                                    const char* s2, unsigned short, short, unsigned char, int*) {
+long textsFloor(unsigned char, unsigned char, const char* s1, unsigned char, unsigned char, const char* s2,
+                unsigned short, short, unsigned char, int*) {
   const Unit* a = reinterpret_cast<const Unit*>(s1);
   const Unit* b = reinterpret_cast<const Unit*>(s2);
   for (; *a == *b && *a != 0; ++a) ++b;
-  return floorWeights.of[*a] - floorWeights.of[*b];
+  return floorWeights[*a] - floorWeights[*b];
 }
 
 // The strings' blocks hold 16 bytes or more: two words each.
 template <class Unit>
-[[gnu::noinline]] long floorOfStrings(const KtString& a, const KtString& b, short, unsigned short) {
+long stringsFloor(const KtString& a, const KtString& b, short, unsigned short) {
   std::uint64_t x[2], y[2];
   std::memcpy(x, a.buffer, sizeof x);
   std::memcpy(y, b.buffer, sizeof y);
   const unsigned word = x[0] == y[0] ? 1 : 0;
   const unsigned bit =
       static_cast<unsigned>(std::countr_zero((x[word] ^ y[word]) | std::uint64_t{1} << 63)) & (64 - 8 * sizeof(Unit));
-  return floorWeights.of[static_cast<Unit>(x[word] >> bit)] - floorWeights.of[static_cast<Unit>(y[word] >> bit)];
+  return floorWeights[static_cast<Unit>(x[word] >> bit)] - floorWeights[static_cast<Unit>(y[word] >> bit)];
 }
 
+// Called by their addresses, as functions of another library are: with all arguments.
 template <class Unit>
 long floorOfTexts(const Names& names, std::size_t a, std::size_t b) {
   const KtString &x = names.texts[a], &y = names.texts[b];
-  return floorOfTexts<Unit>(x.codeSet, x.language, x.buffer, y.codeSet, y.language, y.buffer, KtCMP_NO_WILDCARDS, -1,
-                            255, nullptr);
+  return opaque(&textsFloor<Unit>)(x.codeSet, x.language, x.buffer, y.codeSet, y.language, y.buffer, KtCMP_NO_WILDCARDS,
+                                   -1, 255, nullptr);
 }
 
 template <class Unit>
 long floorOfStrings(const Names& names, std::size_t a, std::size_t b) {
-  return floorOfStrings<Unit>(names.texts[a], names.texts[b], -1, KtCMP_NO_WILDCARDS);
+  return opaque(&stringsFloor<Unit>)(names.texts[a], names.texts[b], -1, KtCMP_NO_WILDCARDS);
 }
 
 template <CompareNames compare>
@@ -172,7 +169,10 @@ template <CompareNames ours, CompareNames peer, CompareNames floor>
 void addCompare(const std::string& name, unsigned char codeSet, const char* peerName) {
   using Pairs = Names (*)(unsigned char, std::size_t);
   for (const auto& [kind, pairs] : {std::pair<const char*, Pairs>{"near", nearPairs}, {"random", randomPairs}}) {
-    const auto make = [codeSet, pairs = pairs] { return std::make_unique<Names>(pairs(codeSet, kBatch)); };
+    const auto make = [codeSet, pairs = pairs] {
+      fillFloorWeights();
+      return std::make_unique<Names>(pairs(codeSet, kBatch));
+    };
     Job<Names>(name + kind, 0, kBatch, 0, make, ordersAgree<peer, floor>)
         .contestant("kttm", comparePairs<ours>)
         .contestant(peerName, comparePairs<peer>)

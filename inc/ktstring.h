@@ -27,9 +27,12 @@ constexpr int KtERR_NOT_FOUND = -1;
 constexpr int KtERR_BAD_CODESET = -2002;
 constexpr int KtERR_END_OF_LIST = -2005;
 
+// The bytes of the longest text of a string, its terminator included.
+constexpr unsigned long KtMAX_TEXT_BYTES = 65533;
+
 // KtString: a text in one code set and language.
 //
-// Range:  up to 65,533 bytes with the terminator. A longer result raises the assertion "String overflow" && 0 (source
+// Range:  up to KtMAX_TEXT_BYTES. A longer result raises the assertion "String overflow" && 0 (source
 //         src\ktstring) unless the default configuration holds "stringOverflow" (qualifier "debug") as 0; the size is
 //         then taken modulo 65,536 and the text clipped to it.
 // Null:   language 254, or code set 254 with language 0, whatever the text. SetNullValue gives the text up; a null made by
@@ -275,7 +278,7 @@ bool kt::isMade(const KtString& made, Text from) {
   if constexpr (std::is_pointer_v<Text>) {
     unsigned long bytes = 0;
     while (from != nullptr && from[bytes / sizeof *from] != 0) bytes += sizeof *from;
-    return bytes == 0 || bytes + sizeof *from > 65533;
+    return bytes == 0 || bytes + sizeof *from > KtMAX_TEXT_BYTES;
   } else {
     return from == 0;
   }

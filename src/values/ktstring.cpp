@@ -13,6 +13,8 @@
 static_assert(offsetof(KtString, buffer) == 0 && offsetof(KtString, bufferSize) == sizeof(char*));
 static_assert(offsetof(KtString, codeSet) == sizeof(char*) + 2 && offsetof(KtString, language) == sizeof(char*) + 3);
 
+static_assert(kt::kMaxTextBytes == KtMAX_TEXT_BYTES);
+
 namespace {
 
 constexpr unsigned char kNullLanguage = 254;
