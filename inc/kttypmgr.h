@@ -142,19 +142,20 @@ private:
   KtTypeDescriptor& Row(char id) const { return *table_[static_cast<unsigned char>(id)]; }
 
   KtTypeDescriptor* const* table_;  // 256 rows
+  const KtTypeCmpFunc* compares_;   // and their compare functions
   unsigned short formatLevel_;
 };
 
-// In line: an index compares millions of times, and the row's own call is the only one needed.
+// In line, and past the row: an index compares millions of times, and the function's own call is the only one needed.
 KTTM_INLINE long KtTypeMgr::Cmp(char id, void* a, void* b, unsigned short options, unsigned long count,
                                 unsigned char format) const {
   int status;
-  return Row(id).Compare(format, 0, a, 0, b, options, count, status);
+  return compares_[static_cast<unsigned char>(id)](format, 0, a, 0, b, options, count, status);
 }
 
 KTTM_INLINE long KtTypeMgr::Cmp(char id, unsigned long lengthA, void* a, unsigned long lengthB, void* b,
                                 unsigned short options, unsigned long count, unsigned char format, int& status) const {
-  return Row(id).Compare(format, lengthA, a, lengthB, b, options, count, status);
+  return compares_[static_cast<unsigned char>(id)](format, lengthA, a, lengthB, b, options, count, status);
 }
 
 // --- module ---------------------------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -74,6 +75,29 @@ TEST(TypeManager, operations_can_be_exchanged_for_every_manager) {
   EXPECT_EQ(one.ExchangePrintToKtStringFunc(KT_ID_long, print), &printNothing);
   EXPECT_EQ(one.ExchangeScanFromKtStringFunc(KT_ID_long, scan), &scanNothing);
   EXPECT_EQ(one.ExchangeKtTypeCmpFunc(KT_ID_long, nullptr), &LongCompare);
+}
+
+// A row that both tables share, the row of all other ids, and the two tables' own rows of strings.
+TEST(TypeManager, an_exchanged_comparison_is_that_of_all_ids_of_its_row) {
+  KtTypeMgr current(12), legacy(11);
+  const char other = 77, negative = -3;
+  KtString text("a");
+  std::int32_t number = 5;
+  void* const values[] = {&number, &number, &number, &text};
+  const char ids[] = {KT_ID_long, KT_ID_illegal, KT_ID_illegal, KT_ID_KtString};
+  const char asked[] = {KT_ID_long, other, negative, KT_ID_KtString};
+  for (std::size_t i = 0; i < std::size(ids); ++i) {
+    const auto compare = legacy.ExchangeKtTypeCmpFunc(ids[i], alwaysLess);
+    const bool isShared = ids[i] != KT_ID_KtString;
+    EXPECT_EQ(legacy.Cmp(asked[i], values[i], values[i], 0, 1, 8), -1) << i;
+    EXPECT_EQ(current.Cmp(asked[i], values[i], values[i], 0, 1, 8), isShared ? -1 : 0) << i;
+    int status = 0;
+    current.Cmp(asked[i], 0, values[i], 0, values[i], 0, 1, 8, status);
+    EXPECT_EQ(status, isShared ? 3 : 0) << i;
+    EXPECT_EQ(legacy.CmpFuncPtrGet(asked[i]), &alwaysLess) << i;
+    legacy.ExchangeKtTypeCmpFunc(ids[i], compare);
+    EXPECT_EQ(legacy.Cmp(asked[i], values[i], values[i], 0, 1, 8), 0) << i;
+  }
 }
 
 TEST(TypeManager, bytes_stay_one_text_while_char_prints_otherwise) {

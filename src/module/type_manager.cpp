@@ -31,6 +31,7 @@ KtTypeMgr::KtTypeMgr(unsigned long version) { SetFactory(version); }
 void KtTypeMgr::SetFactory(unsigned long version) {
   const bool current = version >= 12 || (version >= 4 && version <= 10);
   table_ = current ? kt::currentTypeTable() : kt::legacyTypeTable();
+  compares_ = kt::comparesOf(table_);
   if (version >= 12) {
     formatLevel_ = 4;
   } else {
@@ -133,7 +134,11 @@ int (*KtTypeMgr::ComparePtrGet(char) const)(void*, void*) { return nullptr; }
 
 const char* KtTypeMgr::ExchangeFormat(char id, const char* format) { return exchange(Row(id).Format, format); }
 
-KtTypeCmpFunc KtTypeMgr::ExchangeKtTypeCmpFunc(char id, KtTypeCmpFunc func) { return exchange(Row(id).Compare, func); }
+KtTypeCmpFunc KtTypeMgr::ExchangeKtTypeCmpFunc(char id, KtTypeCmpFunc func) {
+  const KtTypeCmpFunc old = Row(id).Compare;
+  if (func != nullptr) kt::setCompare(Row(id), func);
+  return old;
+}
 
 KtPrintToKtStringFunc KtTypeMgr::ExchangePrintToKtStringFunc(char id, KtPrintToKtStringFunc func) {
   return exchange(Row(id).PrintToKtString, func);

@@ -28,8 +28,10 @@
 // addresses in data, they are filled first thing at start.
 #if defined(_WIN32)
 #define KT_LOADED
+#define KT_KNOWN const
 #else
 #define KT_LOADED constinit
+#define KT_KNOWN constexpr
 #endif
 
 namespace kt {
@@ -187,8 +189,8 @@ constexpr KtTypeDescriptor intervalRow() {
   return row;
 }
 
-// The rows by id. Their Compare, Format, PrintToKtString and ScanFromKtString can be exchanged at run time.
-KT_LOADED KtTypeDescriptor rows[] = {
+// The rows by id.
+KT_KNOWN KtTypeDescriptor kRows[] = {
     /*  0 */ charRow(),
     /*  1 */ shortRow(),
     /*  2 */ longRow(),
@@ -231,28 +233,61 @@ KT_LOADED KtTypeDescriptor rows[] = {
     /* 39 */ rowOf<SealOps>("KtSeal", sizeof(KtSeal), "noop"),
     /* 40 */ rowOf<IllegalOps>("illegal", 0, "illegal"),
 };
-static_assert(std::size(rows) == KtTYPE_COUNT, "each id of KtTypeId has one row, at its place");
+static_assert(std::size(kRows) == KtTYPE_COUNT, "each id of KtTypeId has one row, at its place");
 
 // The legacy table's own string row: the older disk form, and no null value.
-KT_LOADED KtTypeDescriptor legacyStringRow = stringRow<LegacyStringOps>("KtString");
+KT_KNOWN KtTypeDescriptor kLegacyStringRow = stringRow<LegacyStringOps>("KtString");
+
+// As they are at first: Compare, Format, PrintToKtString and ScanFromKtString can be exchanged at run time.
+KT_LOADED auto rows = std::to_array(kRows);
+KT_LOADED auto legacyStringRow = kLegacyStringRow;
 
 // Every value of an id byte leads to a row: no check stands between an id and its operation.
-using IdMap = std::array<KtTypeDescriptor*, 256>;
+template <class Entry>
+using IdMap = std::array<Entry, 256>;
 
-constexpr IdMap mapIds(int count, KtTypeDescriptor* stringRow) {
-  IdMap map{};
-  for (int id = 0; id < 256; ++id) map[static_cast<unsigned>(id)] = &rows[id < count ? id : KT_ID_illegal];
+constexpr std::size_t rowOfId(std::size_t id, int count) {
+  return id < static_cast<std::size_t>(count) ? id : std::size_t{KT_ID_illegal};
+}
+
+constexpr IdMap<KtTypeDescriptor*> mapIds(int count, KtTypeDescriptor* stringRow) {
+  IdMap<KtTypeDescriptor*> map{};
+  for (std::size_t id = 0; id < map.size(); ++id) map[id] = &rows[rowOfId(id, count)];
   map[KT_ID_KtString] = stringRow;
   return map;
 }
 
-constexpr IdMap kCurrentTable = mapIds(KtTYPE_COUNT, &rows[KT_ID_KtString]);
-constexpr IdMap kLegacyTable = mapIds(KtLEGACY_TYPE_COUNT, &legacyStringRow);
+constexpr IdMap<KtTypeDescriptor*> kCurrentTable = mapIds(KtTYPE_COUNT, &rows[KT_ID_KtString]);
+constexpr IdMap<KtTypeDescriptor*> kLegacyTable = mapIds(KtLEGACY_TYPE_COUNT, &legacyStringRow);
+
+// The rows' Compare once more.
+constexpr IdMap<KtTypeCmpFunc> mapCompares(int count, const KtTypeDescriptor& stringRow) {
+  IdMap<KtTypeCmpFunc> map{};
+  for (std::size_t id = 0; id < map.size(); ++id) map[id] = kRows[rowOfId(id, count)].Compare;
+  map[KT_ID_KtString] = stringRow.Compare;
+  return map;
+}
+
+KT_LOADED IdMap<KtTypeCmpFunc> currentCompares = mapCompares(KtTYPE_COUNT, kRows[KT_ID_KtString]);
+KT_LOADED IdMap<KtTypeCmpFunc> legacyCompares = mapCompares(KtLEGACY_TYPE_COUNT, kLegacyStringRow);
+
+void noteCompare(IdMap<KtTypeCmpFunc>& compares, const IdMap<KtTypeDescriptor*>& table, const KtTypeDescriptor& row) {
+  for (std::size_t id = 0; id < table.size(); ++id)
+    if (table[id] == &row) compares[id] = row.Compare;
+}
 
 }  // namespace
 
 TypeTable currentTypeTable() { return kCurrentTable.data(); }
 TypeTable legacyTypeTable() { return kLegacyTable.data(); }
+CompareTable comparesOf(TypeTable table) {
+  return table == kCurrentTable.data() ? currentCompares.data() : legacyCompares.data();
+}
+void setCompare(KtTypeDescriptor& row, KtTypeCmpFunc compare) {
+  row.Compare = compare;
+  noteCompare(currentCompares, kCurrentTable, row);
+  noteCompare(legacyCompares, kLegacyTable, row);
+}
 int typeCount(TypeTable table) { return table == kCurrentTable.data() ? KtTYPE_COUNT : KtLEGACY_TYPE_COUNT; }
 
 }  // namespace kt

@@ -12,6 +12,13 @@ using TypeTable = KtTypeDescriptor* const*;
 TypeTable currentTypeTable();
 TypeTable legacyTypeTable();
 
+// Its compare functions, by the same ids: what indexes call millions of times is found by one access.
+using CompareTable = const KtTypeCmpFunc*;
+CompareTable comparesOf(TypeTable table);
+
+// Of a row, wherever it stands.
+void setCompare(KtTypeDescriptor& row, KtTypeCmpFunc compare);
+
 // The rows that a table really holds: ids 0 to this, exclusive.
 int typeCount(TypeTable table);
 
