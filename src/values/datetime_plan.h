@@ -37,7 +37,7 @@ struct DateTimePlan {
 
 // The digits of a value: century, year of the century, then the fields as they lie.
 constexpr unsigned kPlanPlaces = 32;
-inline DateTimePlan dateTimePlans[kPlanPlaces];
+inline constinit DateTimePlan dateTimePlans[kPlanPlaces] = {};  // filled by the loader: other static objects may print
 
 // Fills an unused place. False where the format has no plan, or another thread is about it.
 bool makePlan(DateTimePlan& plan, const char* format);
