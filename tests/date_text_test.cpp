@@ -255,13 +255,16 @@ TEST(DateText, formats_of_digits_alone_read_and_print_as_others_do) {
                            "year: %Y, month: %m, day: %d",
                            "%M of %H, %S",
                            "%d %d",
+                           "%d %H:%M:%S, on day %d",
+                           "%Y and twenty-six more: to 32.",
+                           "%Y and twenty-seven more: to 33",
                            "%Y%y"};
   const KtDateTime values[] = {
       at(2005, 6, 28, 23, 59, 8), at(0, 1, 1),     at(9999, 12, 31, 1, 2, 3),     at(10000, 1, 1), at(-5, 1, 1),
       at(2005, 100, 28),          at(2005, 6, -1), at(2005, 6, 28, 99, 100, -128)};
   for (const char* format : formats) {
     for (const KtDateTime& value : values) {
-      for (const unsigned before : {0u, 5u, 14u, 16u, 30u, 40u}) {
+      for (const unsigned before : {0u, 5u, 14u, 16u, 30u, 40u, 128u}) {
         KtString narrow(std::string(before, '.').c_str());
         KtString wide(static_cast<unsigned char>(253), static_cast<unsigned char>(1));
         wide += narrow;
@@ -273,16 +276,27 @@ TEST(DateText, formats_of_digits_alone_read_and_print_as_others_do) {
     const std::string text = printed(values[0], format) + "9";
     for (std::size_t length = 0; length <= text.size(); ++length) {
       for (const char wrong : {'0', '9', '/', ':', ' ', '-', '\xB0'}) {
-        std::string changed = text.substr(0, length);
-        if (length != 0) changed[length - 1] = wrong;
-        changed += text.substr(length, length % 7);
-        const KtString narrow(changed.c_str());
-        KtString wide(static_cast<unsigned char>(253), static_cast<unsigned char>(1));
-        wide += narrow;
-        ASSERT_EQ(scanned(narrow, format), scanned(wide, format)) << format << ": " << changed;
+        for (const std::size_t rest : {length % 7, text.size()}) {
+          std::string changed = text.substr(0, length);
+          if (length != 0) changed[length - 1] = wrong;
+          changed += text.substr(length, rest);
+          const KtString narrow(changed.c_str());
+          KtString wide(static_cast<unsigned char>(253), static_cast<unsigned char>(1));
+          wide += narrow;
+          ASSERT_EQ(scanned(narrow, format), scanned(wide, format)) << format << ": " << changed;
+        }
       }
     }
   }
+}
+
+// Digits that stand in the block behind the text are none of it.
+TEST(DateText, what_a_text_held_before_is_not_scanned) {
+  KtString text("2005-06-28 23:59:08");
+  text.Cut(10, 65535);
+  EXPECT_EQ(scanned(text, "%Y-%m-%d %H:%M:%S"), "2005-06-28 00:00:00");
+  text.Cut(4, 65535);
+  EXPECT_EQ(scanned(text, "%Y-%m-%d"), "2005-01-01 00:00:00");
 }
 
 // A format is known by its characters, not by where it stands.
@@ -313,6 +327,9 @@ TEST(DateText, format_may_be_the_text_that_grows) {
   KtString text("%d/%p%");
   at(2005, 9, 28, 13).PrintToKtString(text, text.buffer);
   EXPECT_STREQ(text.StrGet(), "%d/%p%28/pm");
+  text = "%d.%m ";
+  at(2005, 9, 28).PrintToKtString(text, text.buffer);
+  EXPECT_STREQ(text.StrGet(), "%d.%m 28.09 ");
   std::string format, expected;
   for (int i = 0; i < 500; ++i) {
     format += "%d/%B ";

@@ -358,7 +358,7 @@ TEST(CodeSets, a_mapped_copy_takes_what_its_content_needs) {
   EXPECT_EQ(copy.language, 3);
 }
 
-// Every length about the sixteen that are mapped at once, with a letter that moves (L with caron) at each place, into a
+// Every length about the thirty that are mapped at once, with a letter that moves (L with caron) at each place, into a
 // string that has held nothing, less or more.
 TEST(CodeSets, a_mapped_copy_agrees_with_mapping_each_character) {
   for (unsigned length = 0; length <= 40; ++length) {

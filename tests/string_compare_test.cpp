@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <optional>
 #include <random>
 #include <string>
@@ -501,9 +502,24 @@ TEST(StringCompare, string_objects_use_their_own_code_sets) {
   EXPECT_TRUE(KtString("Mueller") < a && a > KtString("Muel"));
   EXPECT_EQ(a.Compare(KtString("MULLER"), -1, KtCMP_NO_WILDCARDS | KtCMP_IGNORE_CASE | KtCMP_IGNORE_DIACRITICS), 0);
   EXPECT_EQ(a.Compare(KtString("M*r"), -1, 0), 0);
+  EXPECT_EQ(KtString("abc").Compare(KtString("abd"), 2), 0);  // under the default operator
+  EXPECT_LT(KtString("abc").Compare(KtString("abd"), 3), 0);
   a.SetLanguage(4);
   EXPECT_TRUE(a.EqualsIgnoreLanguage(b));
   EXPECT_FALSE(a == b);
+}
+
+// "abc" and its terminator as two characters, the last of which is no terminator, but counts as one.
+TEST(StringCompare, a_relabelled_text_is_read_up_to_its_size) {
+  unsigned short units[] = {0, 'a', 0};
+  std::memcpy(units, "ab", 2);
+  const KtString whole(units);
+  KtString relabelled("abc");
+  relabelled.codeSet = whole.codeSet;
+  for (const unsigned short op : {KtCMP_BINARY, KtCMP_NO_WILDCARDS, KtCMP_NO_WILDCARDS}) {
+    EXPECT_GT(whole.Compare(relabelled, -1, op), 0);
+    EXPECT_LT(relabelled.Compare(whole, -1, op), 0);
+  }
 }
 
 TEST(StringCompare, strings_and_records_compare_as_their_texts) {
@@ -526,7 +542,7 @@ TEST(StringCompare, strings_and_records_compare_as_their_texts) {
     return record;
   };
   Generator random(5);
-  const Units marks = kLetters + u"\u2019\u1EA1\u83B0";
+  const Units marks = kLetters + u"\u2019\u1EA1\u3042\u3099\u3FFF\u4000\u83B0";
   for (int round = 0; round < 20000; ++round) {
     const Units start = random.below(2) != 0 ? random.characters(kLetters, 36) : Units();
     const Units first = start + random.characters(marks, 12);

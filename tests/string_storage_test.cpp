@@ -51,7 +51,7 @@ TEST(StringStorage, a_zero_inside_a_text_is_kept) {
 }
 
 TEST(StringStorage, half_a_character_is_stored_as_it_lies_whatever_the_order_and_what_was_stored_before) {
-  KtString strings[] = {"abcdefghijk", "a", "wxyz", "b", "b", "b"};
+  KtString strings[12] = {"abcdefghijk", "a", "wxyz", "b", "b", "b"};  // the first ones have many records behind them
   strings[2].codeSet = 253;
   strings[2].language = 1;
   constexpr bool kBigHost = std::endian::native == std::endian::big;
@@ -59,10 +59,35 @@ TEST(StringStorage, half_a_character_is_stored_as_it_lies_whatever_the_order_and
   const char* const bigHost[] = {"07 00 FD 01 78 77 79 00 FF", "00 07 FD 01 77 78 79 00 FF"};
   for (const unsigned char code : Codes{0, 2}) {
     const unsigned long before = StringSizeGet(strings, 8, code, 2);
-    Block target(Bytes(StringSizeGet(strings, 8, code, 6), 0xEE));
-    StringStore(target.get(), strings, code, 6);
+    Block target(Bytes(StringSizeGet(strings, 8, code, 12), 0xEE));
+    StringStore(target.get(), strings, code, 12);
     const char* const expected = (kBigHost ? bigHost : littleHost)[code / 2];
     EXPECT_EQ(Bytes(target.get() + before, target.get() + before + 9), hex(expected)) << int{code};
+  }
+}
+
+// Short texts are moved whole, with what lies behind them, where other records follow.
+TEST(StringStorage, a_run_is_stored_as_its_strings_are_one_by_one) {
+  for (const unsigned char codeSet : Codes{1, 253}) {
+    for (unsigned long length = 0; length <= 36; ++length) {
+      for (const unsigned long others : {0ul, 3ul, 5ul, 6ul, 7ul, 12ul}) {
+        std::vector<KtString> strings(others + 1);
+        strings[0] = makeString(std::u16string(length, u'x'), codeSet, 3);
+        for (const unsigned char code : Codes{0, 1, 2}) {
+          Bytes expected;
+          for (const KtString& s : strings) {
+            Block one(Bytes(StringSizeGet(&s, 8, code, 1), 0xEE));
+            StringStore(one.get(), &s, code, 1);
+            expected.insert(expected.end(), one.get(), one.get() + one.size);
+          }
+          const std::size_t size = expected.size();
+          expected.resize(size + 40, 0xEE);  // nothing is written behind the run
+          Block run(Bytes(expected.size(), 0xEE));
+          EXPECT_EQ(StringStore(run.get(), strings.data(), code, strings.size()), size);
+          EXPECT_EQ(Bytes(run.get(), run.get() + run.size), expected) << length << " and " << others;
+        }
+      }
+    }
   }
 }
 
