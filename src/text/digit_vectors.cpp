@@ -35,7 +35,7 @@ KT_FOR_AVX2 inline __m256i twoHalves(const void* low, const void* high) {
   return _mm256_loadu2_m128i(static_cast<const __m128i*>(high), static_cast<const __m128i*>(low));
 }
 
-// Pairs of bytes a, b for a * kFactor + b.
+// What pairs a, b are multiplied by to become a * kFactor + b: pairs of bytes, of words.
 template <int kFactor>
 KT_FOR_AVX2 inline __m256i bytePairs() {
   return _mm256_set1_epi16(kFactor | 1 << 8);

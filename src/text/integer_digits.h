@@ -129,8 +129,10 @@ inline char* writeDigits(char* at, std::uint64_t number, unsigned letterGap = 0)
   return writeLastDigits<kBase>(at, number % kWord, letterGap, 8);
 }
 
-// As writeDigits<10>, where nobody reads the digits at once: reading what two wide stores wrote waits for both.
+// Apart, as readPaddedWords below.
 [[gnu::noinline]] inline char* writeDecimalWords(char* at, std::uint64_t number) { return writeDigits<10>(at, number); }
+
+// As writeDigits<10>, for digits that nobody reads at once: reading what two wide stores wrote waits for both.
 inline char* writeDecimal(char* at, std::uint64_t number) {
 #if defined(KT_FOR_AVX2)
   if (hasAvx2()) return writeDecimalVector(at, number);

@@ -78,7 +78,7 @@ constexpr Weight kSeveral = 2;    // of a character with several orders
 // The weights of the 16-bit characters under one kind: of character c, page[c >> 8].weights[c & 255] +
 // page[c >> 8].offset.
 constexpr unsigned kNearUnits = 0x4000;          // the scripts of letters, kana among them, and the marks of all texts
-static_assert(std::has_single_bit(kNearUnits));  // so that the larger of two is compared without asking which it is
+static_assert(std::has_single_bit(kNearUnits));  // so that areNear takes two in one comparison
 constexpr bool areNear(unsigned unit1, unsigned unit2) { return (unit1 | unit2) < kNearUnits; }
 
 struct WideWeights {

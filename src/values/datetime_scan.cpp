@@ -270,7 +270,7 @@ inline bool isDate(int year, int month, int day) {
   return month != 2 || day != 29 || (year % 4 == 0 && (year % 100 != 0 || year % 400 == 0));
 }
 
-// Reads byte by byte, as the fields were written: whatever is wider has to wait for them.
+// Reads byte by byte, as the walk wrote the fields: whatever is wider has to wait for them.
 inline bool isValid(const unsigned char* value) {
   const auto part = [value](unsigned place) { return static_cast<std::int8_t>(value[place]); };
   std::int16_t year;
