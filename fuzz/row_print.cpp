@@ -1,5 +1,6 @@
 // Prints values of every type under formats from outside, the first part of the input, and converts them to text and back:
 // the outcome depends on the value and the format alone, and nothing is read past either.
+#include "date_plans.h"
 #include "fixed_clock.h"
 #include "row_case.h"
 
@@ -13,11 +14,16 @@ void requireWhole(const KtString& text) {
 
 // Replaced or appended, as the type has it.
 void requirePrinted(const RowCase& c, const Values& values, const char* format) {
+  KtString walked;
+  closePlans();
+  c.manager->PrintToKtString(c.id, walked, values.get(), format, values.count());
+  forgetPlans();
   KtString fresh;
   KtString used("used");
   require(&c.manager->PrintToKtString(c.id, fresh, values.get(), format, values.count()) == &fresh);
   c.manager->PrintToKtString(c.id, used, values.get(), format, values.count());
   requireWhole(fresh);
+  require(fresh.EqualsIgnoreLanguage(walked) && fresh.bufferSize == walked.bufferSize);
   KtString appended("used");
   appended += fresh;
   require(used == fresh || used == appended || used == KtString("used"));

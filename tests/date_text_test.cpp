@@ -1,8 +1,8 @@
 // Dates and times as text: what each directive prints and scans, and what becomes of text that does not fit.
 #include <kttm.h>
 
+#include "date_plans.h"
 #include "fixed_clock.h"
-#include "values/datetime_plan.h"
 
 #include <gtest/gtest.h>
 
@@ -27,13 +27,6 @@ std::string scanned(const KtString& text, const char* format) {
   Value value = KtDateTime::Null();
   value.ScanFromKtString(text, format);
   return value.IsNullValue() ? "null" : printed(value, "%Y-%m-%d %H:%M:%S");
-}
-
-// The next format has its place among the plans, whatever formats were used before.
-void forgetPlans() {
-#if defined(KT_FOR_AVX2)
-  for (kt::DateTimePlan& plan : kt::dateTimePlans) plan.state = kt::DateTimePlan::kUnused;
-#endif
 }
 
 TEST(DateText, directives_print) {

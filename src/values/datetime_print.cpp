@@ -325,7 +325,7 @@ const char* weekdayName(const KtDate& date) { return weekdayOf(date).text; }
 
 KtString& printDateTime(KtString& out, const void* value, const char* format) {
   const DateTimePlan* const plan = findPlan(format);
-  if (plan == nullptr || isNull(value) || !takesCharacters(out)) return printByWalk(out, value, format);
+  if (plan == nullptr || !takesCharacters(out)) return printByWalk(out, value, format);
   char* const at = out.buffer + out.bufferSize - 1;
   char* const end = printByPlan(*plan, at, blockEnd(out), fieldsOf(value));
   if (end == nullptr) return printByWalk(out, value, format);
