@@ -56,16 +56,19 @@ constexpr bool isBigEndianWord(unsigned char code) {
   return host ? std::endian::native == std::endian::big : code == kBigEndian;
 }
 
+constexpr bool wordsAreSwapped(unsigned char code) {
+  return isBigEndianWord(code) != (std::endian::native == std::endian::big);
+}
+
 inline unsigned long readLength(const unsigned char* at, unsigned char code) {
   std::uint16_t word;
   std::memcpy(&word, at, sizeof word);
-  return isBigEndianWord(code) == (std::endian::native == std::endian::big) ? word : swapped(word);
+  return wordsAreSwapped(code) ? swapped(word) : word;
 }
 
 inline void writeLength(unsigned char* at, unsigned long length, unsigned char code) {
   const auto word = static_cast<std::uint16_t>(length);
-  const std::uint16_t stored =
-      isBigEndianWord(code) == (std::endian::native == std::endian::big) ? word : swapped(word);
+  const std::uint16_t stored = wordsAreSwapped(code) ? swapped(word) : word;
   std::memcpy(at, &stored, sizeof stored);
 }
 
