@@ -1,8 +1,8 @@
 #include "text/decimal_text.h"
 
 #include "text/integer_digits.h"
+#include "text/powers.h"
 
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -12,13 +12,6 @@ namespace kt {
 namespace {
 
 static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<double>::digits == 53);
-
-template <std::uint64_t kBase, std::size_t kCount>
-constexpr std::array<std::uint64_t, kCount> powers() {
-  std::array<std::uint64_t, kCount> table{1};
-  for (std::size_t i = 1; i < kCount; ++i) table[i] = kBase * table[i - 1];
-  return table;
-}
 
 constexpr int kMaxScale = 27;  // 5^27 has 63 bits
 constexpr auto kPowersOf5 = powers<5, kMaxScale + 1>();

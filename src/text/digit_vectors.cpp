@@ -2,6 +2,8 @@
 
 #if defined(KT_FOR_AVX2)
 
+#include "text/powers.h"
+
 #include <immintrin.h>
 #include <algorithm>
 #include <array>
@@ -18,11 +20,7 @@ constexpr auto kMoves = [] {
   return moves;
 }();
 
-constexpr auto kPowersOfTen = [] {
-  std::array<std::uint64_t, 20> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-  return powers;
-}();
+constexpr auto kPowersOfTen = powers<10, 20>();
 
 // How many digits a number has; 0 has one. A bit is 1233/4096 digits, nearly.
 inline unsigned long decimalDigits(std::uint64_t number) {

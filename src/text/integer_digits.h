@@ -6,11 +6,10 @@
 
 #include "text/digit_vectors.h"
 #include "text/hex_vectors.h"
+#include "text/powers.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -266,13 +265,8 @@ inline ReadNumber readPaddedDigits(const char* p, unsigned long n) {
   return readPaddedWords<kBase>(p, n);
 }
 
-// base^0 to base^8.
 template <unsigned kBase>
-constexpr auto kPowers = [] {
-  std::array<std::uint64_t, 9> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * kBase;
-  return powers;
-}();
+constexpr auto kPowers = powers<kBase, 9>();
 
 // Reads the digits that n characters (at least one) begin with, at most eight of them: `number` is continued by them,
 // modulo 2^64. Returns how many they are.
